@@ -1,0 +1,27 @@
+#pragma once
+
+#include "EmbeddedHost/src/model/Slot.h"
+
+#include <memory>
+
+namespace EmbeddedHost {
+
+class ModelEntity;
+struct DetachedSlot;
+
+/// Makes the attribute object of an entity's slot.
+std::unique_ptr<EntityModel::Attribute> makeAttribute(Slot &slot);
+
+/// Makes a detached copy of a slot with a value of its own.
+std::unique_ptr<EntityModel::Attribute> makeDetachedAttribute(const Slot &slot, const Value &value);
+
+/// Makes a copy of a detached copy.
+std::unique_ptr<EntityModel::Attribute> makeDetachedAttribute(const DetachedSlot &original);
+
+/// Makes a detached copy of an entity as an attribute, which keeps its name only.
+std::unique_ptr<EntityModel::Attribute> makeDetachedEntity(const ModelEntity &entity);
+
+/// The slot behind an attribute of this host; null for an entity and for another host's attribute.
+const Slot *slotOf(const EntityModel::Attribute &attribute);
+
+} // namespace EmbeddedHost

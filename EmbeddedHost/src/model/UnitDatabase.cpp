@@ -1,0 +1,117 @@
+#include "EmbeddedHost/src/model/UnitDatabase.h"
+
+#include "EmbeddedHost/src/model/NumberText.h"
+#include "EmbeddedHost/src/model/UnitSpelling.h"
+
+#include <udunits2.h>
+
+#include <limits>
+#include <vector>
+
+namespace EmbeddedHost {
+
+namespace {
+
+struct FreeUnit {
+  void operator()(ut_unit *unit) const { ut_free(unit); }
+};
+struct FreeConverter {
+  void operator()(cv_converter *converter) const { cv_free(converter); }
+};
+struct FreeSystem {
+  void operator()(ut_system *system) const { ut_free_system(system); }
+};
+
+} // namespace
+
+class UnitDatabase::ParsedUnit final : public Unit {
+public:
+  ParsedUnit(std::string text, ut_unit *unit) : m_text(std::move(text)), m_unit(unit) {}
+  ~ParsedUnit() override = default;
+
+  const std::string &text() const override { return m_text; }
+  ut_unit *handle() const { return m_unit.get(); }
+
+private:
+  std::string m_text;
+  std::unique_ptr<ut_unit, FreeUnit> m_unit;
+};
+
+class UnitDatabase::Handles {
+public:
+  // Destroyed from the last to the first: what was made from the system goes before it.
+  std::unique_ptr<ut_system, FreeSystem> system;
+  std::vector<std::unique_ptr<ParsedUnit>> units;
+  std::map<std::pair<const Unit *, const Unit *>, std::unique_ptr<cv_converter, FreeConverter>> converters;
+  std::string problem;
+
+  /// Null when the two cannot be converted.
+  cv_converter *converter(const Unit &from, const Unit &to) {
+    const auto known = converters.find({&from, &to});
+    if (known != converters.end()) {
+      return known->second.get();
+    }
+    ut_unit *source = static_cast<const ParsedUnit &>(from).handle();
+    ut_unit *target = static_cast<const ParsedUnit &>(to).handle();
+    cv_converter *made = ut_are_convertible(source, target) == 0 ? nullptr : ut_get_converter(source, target);
+    return converters.emplace(std::make_pair(&from, &to), made).first->second.get();
+  }
+};
+
+UnitDatabase::UnitDatabase(const char *file) : m_handles(std::make_unique<Handles>()) {
+  ut_set_error_message_handler(&ut_ignore);
+  m_handles->system.reset(ut_read_xml(file));
+  if (m_handles->system == nullptr) {
+    const bool isMissing = ut_get_status() == UT_OPEN_ENV || ut_get_status() == UT_OPEN_DEFAULT ||
+                           ut_get_status() == UT_OPEN_ARG;
+    m_handles->problem = std::string("The unit database udunits2.xml ") +
+                         (isMissing ? "was not found" : "cannot be read") +
+                         ": install the package libudunits2-data, or name the file in UDUNITS2_XML_PATH.";
+  }
+}
+
+UnitDatabase::~UnitDatabase() = default;
+
+UnitResult UnitDatabase::parse(std::string_view text) {
+  const std::string name(trimmed(text));
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  if (m_handles->system == nullptr) {
+    return {nullptr, m_handles->problem};
+  }
+  const auto known = m_results.find(name);
+  if (known != m_results.end()) {
+    return known->second;
+  }
+  UnitResult result;
+  const UnitSpelling spelling = spellUnit(name);
+  result.problem = spelling.problem;
+  if (!spelling.text.empty()) {
+    ut_unit *unit = ut_parse(m_handles->system.get(), spelling.text.c_str(), UT_UTF8);
+    if (unit == nullptr) {
+      result.problem =
+          "The unit \"" + name + "\" is unknown; products are written as in N.m, powers as in m2.";
+    } else {
+      m_handles->units.push_back(std::make_unique<ParsedUnit>(name, unit));
+      result.unit = m_handles->units.back().get();
+      m_results.emplace(name, result);
+    }
+  }
+  return result;
+}
+
+bool UnitDatabase::areConvertible(const Unit &from, const Unit &to) {
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  return m_handles->converter(from, to) != nullptr;
+}
+
+double UnitDatabase::convert(double value, const Unit &from, const Unit &to) {
+  if (&from == &to) {
+    return value;
+  }
+  const std::lock_guard<std::mutex> lock(m_mutex);
+  const cv_converter *converter = m_handles->converter(from, to);
+  return converter == nullptr ? std::numeric_limits<double>::quiet_NaN()
+                              : cv_convert_double(converter, value);
+}
+
+} // namespace EmbeddedHost

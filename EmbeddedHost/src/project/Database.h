@@ -1,0 +1,114 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace EmbeddedHost {
+
+/// A database operation failed. Does not leave the project's own operations, which report it as text.
+class DatabaseError : public std::runtime_error {
+public:
+  DatabaseError(int code, const std::string &message);
+  /// The database's extended result code.
+  int code() const { return m_code; }
+
+private:
+  int m_code;
+};
+
+/// One prepared statement.
+class Statement {
+public:
+  Statement(sqlite3 *database, std::string_view sql);
+
+  /// \name Parameters, from 1
+  /// @{
+  Statement &bind(int parameter, std::int64_t value);
+  /// Any double; one that is no number is stored as its eight bytes, because the database has no such value.
+  Statement &bind(int parameter, double value);
+  Statement &bindText(int parameter, std::string_view value);
+  Statement &bindBytes(int parameter, std::string_view value);
+  Statement &bindNull(int parameter);
+  /// @}
+
+  /// Goes to the next row. \return whether there is one
+  bool step();
+  /// Carries out a statement without rows, and makes it ready for other parameters.
+  void run();
+  void reset();
+
+  /// \name Columns of the row, from 0
+  /// @{
+  int type(int column) const;
+  bool isNull(int column) const { return type(column) == SQLITE_NULL; }
+  std::int64_t integer(int column) const;
+  double real(int column) const;
+  /// Text or bytes; valid until the next step.
+  std::string_view text(int column) const;
+  /// @}
+
+private:
+  struct Finalize {
+    void operator()(sqlite3_stmt *statement) const { sqlite3_finalize(statement); }
+  };
+
+  [[noreturn]] void fail(int code) const;
+  void check(int code) const;
+
+  sqlite3 *m_database;
+  std::unique_ptr<sqlite3_stmt, Finalize> m_statement;
+};
+
+/// One connection to a database file.
+class Database {
+public:
+  enum class Access { ReadOnly, ReadWrite, Create, Header };
+
+  /// \param access  Header looks at the file without locks and journals, for a first glance that changes nothing
+  /// \throws DatabaseError
+  Database(const std::string &file, Access access);
+
+  /// Whether the file can only be read, whatever was asked for.
+  bool isReadOnly() const;
+  /// Reads the first bytes of the file as they are. \return whether there are so many
+  bool readStart(unsigned char *bytes, int count);
+  void execute(const char *sql);
+  Statement prepare(std::string_view sql) { return {m_database.get(), sql}; }
+  /// The number that a statement without parameters gives, 0 for none.
+  std::int64_t number(std::string_view sql);
+
+private:
+  struct Close {
+    void operator()(sqlite3 *database) const { sqlite3_close_v2(database); }
+  };
+
+  std::unique_ptr<sqlite3, Close> m_database;
+};
+
+/// A transaction that is undone unless it is committed.
+class Transaction {
+public:
+  /// Begins at once, so that nothing can come between it and its commit.
+  explicit Transaction(Database &database);
+  Transaction(const Transaction &) = delete;
+  Transaction &operator=(const Transaction &) = delete;
+  ~Transaction();
+
+  void commit();
+
+private:
+  Database &m_database;
+  bool m_isOpen = true;
+};
+
+/// Which bytes stand for a double that is no number, and back.
+std::string bytesOf(double value);
+double doubleOf(std::string_view bytes);
+
+} // namespace EmbeddedHost

@@ -1,0 +1,83 @@
+#include "EmbeddedHost/src/project/FileLock.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace EmbeddedHost {
+
+namespace {
+
+constexpr int kAttempts = 100;
+
+std::string reason(int error) {
+  return std::generic_category().message(error);
+}
+
+// The holder may have removed the file when it let go of the lock; a lock on it keeps nobody out then.
+bool isStillTheFile(int descriptor, const std::string &path) {
+  struct stat held = {};
+  struct stat named = {};
+  return fstat(descriptor, &held) == 0 && lstat(path.c_str(), &named) == 0 && held.st_ino == named.st_ino &&
+         held.st_dev == named.st_dev;
+}
+
+std::string holder(int descriptor) {
+  char text[128] = {};
+  const ssize_t size = pread(descriptor, text, sizeof text - 1, 0);
+  return size <= 0 ? "another process" : std::string(text, static_cast<std::size_t>(size));
+}
+
+void nameHolder(int descriptor) {
+  char host[64] = {};
+  if (gethostname(host, sizeof host - 1) != 0) {
+    std::strcpy(host, "this machine");
+  }
+  const std::string text = "process " + std::to_string(getpid()) + " on " + host;
+  // Only a courtesy to whoever is kept out; the lock holds without it.
+  if (ftruncate(descriptor, 0) == 0) {
+    [[maybe_unused]] const ssize_t written = pwrite(descriptor, text.data(), text.size(), 0);
+  }
+}
+
+} // namespace
+
+FileLock::FileLock(int descriptor, std::string path) : m_descriptor(descriptor), m_path(std::move(path)) {}
+
+FileLock::~FileLock() {
+  unlink(m_path.c_str());
+  close(m_descriptor);
+}
+
+std::unique_ptr<FileLock> FileLock::acquire(const std::string &file, std::string &problem) {
+  const std::string path = file + ".lock";
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
+    if (descriptor < 0) {
+      problem = "The lock file " + path + " cannot be opened: " + reason(errno) + ".";
+      return nullptr;
+    }
+    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+      const int error = errno;
+      problem = error == EWOULDBLOCK ? "The project " + file + " is open in " + holder(descriptor) +
+                                           "; until it is closed there it can be opened for reading only."
+                                     : "The lock file " + path + " cannot be locked: " + reason(error) + ".";
+      close(descriptor);
+      return nullptr;
+    }
+    if (isStillTheFile(descriptor, path)) {
+      nameHolder(descriptor);
+      return std::unique_ptr<FileLock>(new FileLock(descriptor, path));
+    }
+    close(descriptor);
+  }
+  problem = "The lock file " + path + " cannot be locked: it keeps changing.";
+  return nullptr;
+}
+
+} // namespace EmbeddedHost

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "EmbeddedHost/Project.h"
+#include "EmbeddedHost/src/project/Database.h"
+#include "EmbeddedHost/src/project/FileLock.h"
+#include "EmbeddedHost/src/project/ProjectFormat.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace EmbeddedHost {
+
+/// The open file of a project: a connection to its database and, for writing, the lock on it.
+class ProjectFile {
+public:
+  /// Opens a file after making sure that it is a sound project of a known format.
+  /// \return null with one sentence in \p problem
+  static std::unique_ptr<ProjectFile> open(const std::string &file, OpenMode mode, std::string &problem);
+  /// Makes a file that appears whole or not at all.
+  /// \param fill  writes the content in the transaction that makes the tables
+  static std::unique_ptr<ProjectFile> create(const std::string &file,
+                                             const std::function<void(Database &, TextTable &)> &fill,
+                                             std::string &problem);
+
+  const std::string &path() const { return m_path; }
+  Database &database() { return m_database; }
+  TextTable &texts() { return m_texts; }
+
+  /// Carries out a change in one transaction. \return false with one sentence in \p problem; nothing has changed
+  bool change(const std::function<void(Database &, TextTable &)> &change, std::string &problem);
+
+private:
+  ProjectFile(std::string path, Database::Access access, std::unique_ptr<FileLock> lock);
+
+  std::string m_path;
+  std::unique_ptr<FileLock> m_lock;
+  Database m_database;
+  TextTable m_texts;
+};
+
+/// Writes what a folder's entry is to the disk. \return whether that was done
+bool syncFolder(const std::string &folder);
+
+} // namespace EmbeddedHost

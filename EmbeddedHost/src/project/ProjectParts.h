@@ -1,0 +1,36 @@
+#pragma once
+
+#include "EmbeddedHost/Project.h"
+#include "EmbeddedHost/src/model/Model.h"
+#include "EmbeddedHost/src/model/Services.h"
+#include "EmbeddedHost/src/project/ProjectFile.h"
+#include "EmbeddedHost/src/project/VersionStores.h"
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+namespace EmbeddedHost {
+
+struct Project::Parts {
+  Parts(const ModelSchema &schema, const HostBehaviour &behaviour);
+
+  /// Lives in a file from now on.
+  void attach(std::unique_ptr<ProjectFile> opened);
+  /// Removes the folders of versions that were destroyed, after that was saved.
+  void removeDestroyedFolders();
+
+  Model model;
+  EditorService editor;
+  ManagerService manager;
+  StudyTypeNames studyTypeNames;
+  DeclaredImpact impact;
+  VersionStores stores;
+  std::unique_ptr<ProjectFile> file; ///< null until the project is saved
+  std::string filePath;              ///< "" until then
+  bool isReadOnly = false;
+  /// Runs of versions of a project without file, by the number of the version.
+  std::unordered_map<std::int64_t, RunRecord> runs;
+};
+
+} // namespace EmbeddedHost

@@ -1,0 +1,206 @@
+#include "EmbeddedHost/Project.h"
+#include "EmbeddedHost/src/project/ProjectParts.h"
+#include "EmbeddedHost/src/project/ProjectReader.h"
+#include "EmbeddedHost/src/project/ProjectWriter.h"
+
+#include <filesystem>
+#include <utility>
+
+namespace EmbeddedHost {
+
+namespace fs = std::filesystem;
+
+void Project::Parts::attach(std::unique_ptr<ProjectFile> opened) {
+  file = std::move(opened);
+  filePath = file->path();
+  model.tree().folderOf = [this](const Version &version, bool create) {
+    return versionFolderPath(filePath, version.folder(), create && !isReadOnly);
+  };
+}
+
+void Project::Parts::removeDestroyedFolders() {
+  for (const DestroyedVersion &destroyed : model.tree().destroyed()) {
+    removeVersionFolder(filePath, destroyed.folder);
+  }
+}
+
+namespace {
+
+// Folders of versions whose removal was saved, but which an interrupted program did not get to.
+void removeLeftFolders(ProjectFile &file) {
+  std::vector<std::string> folders;
+  {
+    Statement rows = file.database().prepare("SELECT folder FROM removed_folder");
+    while (rows.step()) {
+      folders.emplace_back(rows.text(0));
+    }
+  }
+  if (folders.empty()) {
+    return;
+  }
+  for (const std::string &folder : folders) {
+    removeVersionFolder(file.path(), folder);
+  }
+  std::string problem;
+  // What cannot be noted as removed now is removed again the next time.
+  file.change(
+      [](Database &database, TextTable & /*texts*/) { database.execute("DELETE FROM removed_folder"); },
+      problem);
+}
+
+void copyRuns(Database &from, ProjectWriter &to) {
+  Statement rows =
+      from.prepare("SELECT version, status, reason, keys, started_at, duration, command, exit_code, "
+                   "solver_version, log_tail FROM run");
+  while (rows.step()) {
+    to.putRun(rows.integer(0), readRun(rows, 1));
+  }
+}
+
+} // namespace
+
+std::unique_ptr<Project> Project::open(const std::string &file, OpenMode mode, std::string &problem,
+                                       const HostBehaviour &behaviour) {
+  problem.clear();
+  std::unique_ptr<ProjectFile> opened = ProjectFile::open(file, mode, problem);
+  if (opened == nullptr) {
+    return nullptr;
+  }
+  try {
+    auto parts = std::make_unique<Parts>(readSchema(opened->database()), behaviour);
+    readModel(opened->database(), parts->model);
+    parts->isReadOnly = mode == OpenMode::ReadOnly;
+    if (!parts->isReadOnly) {
+      removeLeftFolders(*opened);
+      removeUnfinishedCopies(opened->path());
+    }
+    parts->attach(std::move(opened));
+    return std::unique_ptr<Project>(new Project(std::move(parts)));
+  } catch (const DamagedProject &damage) {
+    problem = "The project " + file + " is damaged: it holds " + damage.what() + ".";
+  } catch (const DatabaseError &error) {
+    problem = "The project " + file + " cannot be read: " + error.what() + ".";
+  }
+  return nullptr;
+}
+
+Project::~Project() {
+  // Whoever did not close the project leaves a selection behind.
+  for (const std::unique_ptr<ModelEntity> &entity : m_parts->model.entities()) {
+    if (EntityGUI::EntityManager::s_CurrentEntity == entity.get()) {
+      EntityGUI::EntityManager::s_CurrentEntity = nullptr;
+    }
+  }
+  if (m_parts->file == nullptr || m_parts->isReadOnly) {
+    return;
+  }
+  // Nobody will know the folders of versions that were never saved.
+  for (const Version *version : m_parts->model.tree().unsaved()) {
+    if (!version->isInFile) {
+      removeVersionFolder(m_parts->filePath, version->folder());
+    }
+  }
+  for (const DestroyedVersion &destroyed : m_parts->model.tree().destroyed()) {
+    if (!destroyed.isInFile) {
+      removeVersionFolder(m_parts->filePath, destroyed.folder);
+    }
+  }
+}
+
+bool Project::save(std::string &problem) {
+  problem.clear();
+  Parts &own = *m_parts;
+  if (own.file == nullptr) {
+    problem = "The project has no file yet; it has to be saved under a name.";
+    return false;
+  }
+  if (own.isReadOnly) {
+    problem = "The project " + own.filePath + " was opened for reading only.";
+    return false;
+  }
+  const bool isSaved = own.file->change(
+      [&own](Database &database, TextTable &texts) {
+        database.execute("DELETE FROM removed_folder");
+        ProjectWriter(database, texts).writeChanges(own.model);
+      },
+      problem);
+  if (isSaved) {
+    own.removeDestroyedFolders();
+    own.model.forgetUnsaved();
+  }
+  return isSaved;
+}
+
+bool Project::saveAs(const std::string &file, std::string &problem) {
+  problem.clear();
+  Parts &own = *m_parts;
+  std::error_code error;
+  const fs::path absolute = fs::absolute(file);
+  if (fs::symlink_status(absolute, error).type() != fs::file_type::not_found) {
+    problem = "There is a file " + file + " already.";
+    return false;
+  }
+  const fs::path folder = fs::canonical(absolute.parent_path(), error);
+  const std::string path = (folder / absolute.filename()).string();
+  const std::string results = resultsFolder(path);
+  if (error) {
+    problem = "The folder of " + file + " cannot be used: " + error.message() + ".";
+    return false;
+  }
+  if (own.file != nullptr && results == resultsFolder(own.filePath)) {
+    problem = "Two projects cannot share the results folder " + results + "; choose another name.";
+    return false;
+  }
+  if (fs::exists(fs::symlink_status(results, error))) {
+    problem = "There is a results folder " + results + " of another project already.";
+    return false;
+  }
+  // The results first: a project file without its results would be a loss, results without their project are not.
+  bool areCopied = true;
+  if (own.file != nullptr) {
+    for (const auto &[number, version] : own.model.tree().versions()) {
+      const std::string source = versionFolderPath(own.filePath, version->folder(), false);
+      if (areCopied && fs::is_directory(fs::symlink_status(source, error))) {
+        fs::create_directory(results, error);
+        const std::string target = versionFolderPath(path, version->folder(), false);
+        areCopied =
+            copyFolder(source, target, results + "/unfinished") && syncVersionFolder(path, version->folder());
+      }
+    }
+  }
+  std::unique_ptr<ProjectFile> created;
+  if (areCopied) {
+    created = ProjectFile::create(
+        path,
+        [&own](Database &database, TextTable &texts) {
+          ProjectWriter writer(database, texts);
+          writer.writeAll(own.model);
+          if (own.file != nullptr) {
+            copyRuns(own.file->database(), writer);
+          }
+          for (const auto &[number, record] : own.runs) {
+            writer.putRun(number, record);
+          }
+          // Of versions that were destroyed in the meantime.
+          database.execute("DELETE FROM run WHERE version NOT IN (SELECT number FROM version)");
+        },
+        problem);
+  } else {
+    problem = "The results folders cannot be copied to " + results + ".";
+  }
+  if (created == nullptr) {
+    fs::remove_all(results, error);
+    return false;
+  }
+  own.attach(std::move(created));
+  own.isReadOnly = false;
+  own.runs.clear();
+  own.model.forgetUnsaved();
+  return true;
+}
+
+std::string Project::versionFolder(EntityModel::ModelVersion &version, bool create) {
+  return m_parts->model.tree().getVersionFolder(&version, create);
+}
+
+} // namespace EmbeddedHost

@@ -1,0 +1,7 @@
+#include "HostModel/ChangeManager.h"
+
+namespace EntityModel {
+
+ChangeManager::~ChangeManager() = default;
+
+} // namespace EntityModel

@@ -1,0 +1,158 @@
+#include "HostModel/Attribute.h"
+#include "HostModel/EntityEditor.h"
+#include "HostModel/EntityManager.h"
+#include "HostModel/TypeConstants.h"
+#include "OptimizationTool/OptimizationData.h"
+
+#include <stdexcept>
+
+namespace OptimizationTool {
+
+using EntityGUI::EntityManager;
+using EntityModel::Attribute;
+using EntityModel::AttributePath;
+using EntityModel::Entity;
+using EntityModel::EntityEditor;
+
+namespace {
+
+void addCell(OptimizationVariant &variant, bool isInput, const Attribute *attribute) {
+  if (isInput) {
+    variant.addInput(attribute);
+  } else {
+    variant.addOutput(attribute);
+  }
+}
+
+} // namespace
+
+int OptimizationData::addGroup(bool isInput, Attribute *attribute) {
+  if (attribute == nullptr) {
+    return -1;
+  }
+  if (attribute->isEntity()) {
+    return addGroup(isInput, attribute->asEntity(), AttributePath());
+  }
+  return addGroup(isInput, attribute->getOwnerEntity(), attribute->getAttributePath());
+}
+
+int OptimizationData::addGroup(bool isInput, Entity *entity, const AttributePath &path) {
+  OptimizationGroup group = getGroups(isInput).appendGroup();
+  if (!group) {
+    return -1;
+  }
+  group.appendVariable(entity, path);
+  const Attribute *value = group.getAttribute(0);
+  for (const auto &variant : m_variants) {
+    if (variant != nullptr) {
+      addCell(*variant, isInput, value);
+    }
+  }
+  EntityManager::setNeedsSave(true);
+  return group.getIndex();
+}
+
+int OptimizationData::addGroupFromGroup(bool isInput, int sourceGroupIndex) {
+  const OptimizationGroup group = getGroups(isInput).appendGroup();
+  if (!group) {
+    return -1;
+  }
+  for (const auto &variant : m_variants) {
+    if (variant != nullptr) {
+      const Attribute *source =
+          sourceGroupIndex < 0 ? nullptr
+                               : variant->getAttribute(isInput, static_cast<std::size_t>(sourceGroupIndex));
+      addCell(*variant, isInput, source);
+    }
+  }
+  EntityManager::setNeedsSave(true);
+  return group.getIndex();
+}
+
+void OptimizationData::removeGroup(bool isInput, int groupIndex) {
+  OptimizationGroups &groups = getGroups(isInput);
+  // Strictly greater on purpose: an index equal to the number of groups removes the surplus cell of rows that
+  // kept one, and callers that found no group pass -1.
+  if (groupIndex > groups.size()) {
+    throw std::out_of_range("OptimizationData::removeGroup: Group index out of range");
+  }
+  const bool isRemoved = groups.remove(groupIndex);
+  // The cells go whatever the host answered. The matrix is not stored, so they are nothing to be saved.
+  for (const auto &variant : m_variants) {
+    if (variant == nullptr || groupIndex < 0) {
+      continue;
+    }
+    if (isInput) {
+      variant->removeInput(static_cast<std::size_t>(groupIndex));
+    } else {
+      variant->removeOutput(static_cast<std::size_t>(groupIndex));
+    }
+  }
+  if (isRemoved) {
+    EntityManager::setNeedsSave(true);
+  }
+}
+
+void OptimizationData::removeFromGroup(bool isInput, Attribute *attribute) {
+  OptimizationGroup group = getGroupContainingAttribute(isInput, attribute);
+  if (attribute != nullptr && group) {
+    group.removeVariable(attribute);
+    EntityManager::setNeedsSave(true);
+  }
+  if (group && !group.empty()) {
+    return;
+  }
+  removeGroup(isInput, group.getIndex());
+}
+
+void OptimizationData::removeFromGroup(Attribute *attribute) {
+  if (m_inputGroups.containsAttribute(attribute)) {
+    removeFromGroup(true, attribute);
+  }
+  // The input side again on purpose: hosts rely on this form leaving outputs in place.
+  if (m_outputGroups.containsAttribute(attribute)) {
+    removeFromGroup(true, attribute);
+  }
+}
+
+void OptimizationData::removeAttributeFromGroup(bool isInput, int flatIndex) {
+  const auto [group, variable] = getGroupAndVariable(isInput, flatIndex);
+  if (variable) {
+    EntityEditor::deleteEntity(variable.get(), false, true);
+    EntityManager::setNeedsSave(true);
+  }
+  if (group && !group.empty()) {
+    return;
+  }
+  removeGroup(isInput, group.getIndex());
+}
+
+void OptimizationData::moveAttribute(bool isInput, int fromGroup, int indexInGroup, int toGroup) {
+  if (fromGroup == toGroup) {
+    throw std::logic_error("OptimizationData::moveAttribute: Can't move attribute to same group");
+  }
+  OptimizationGroups &groups = getGroups(isInput);
+  if (groups.moveVariable(fromGroup, indexInGroup, toGroup, false)) {
+    EntityManager::setNeedsSave(true);
+  }
+  if (groups.getGroup(fromGroup).empty()) {
+    removeGroup(isInput, fromGroup);
+  }
+}
+
+void OptimizationData::moveGroup(bool isInput, int from, int to) {
+  if (from != to && getGroups(isInput).moveGroup(from, to)) {
+    EntityManager::setNeedsSave(true);
+  }
+}
+
+void OptimizationData::setGroupName(bool isInput, int groupIndex, const std::string &name) {
+  OptimizationGroups &groups = getGroups(isInput);
+  if (groupIndex < 0 || groupIndex >= groups.size()) {
+    throw std::out_of_range("OptimizationData::setGroupName: Group index out of range");
+  }
+  groups.getGroup(groupIndex).setName(name);
+  EntityManager::setNeedsSave(true);
+}
+
+} // namespace OptimizationTool

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "EmbeddedHost/TemplateFile.h"
+#include "Workbench/StudyFile.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Workbench {
+
+class UnitSystem;
+
+/// A file that a run is given: rendered from a template, or a copy.
+struct RunFile {
+  std::string name;        ///< in the run's folder
+  std::string content;     ///< of a rendered file
+  std::string copyOf;      ///< the file to copy; empty for a rendered file
+  std::string fingerprint; ///< of the file to copy
+};
+
+/// A short text that stands for the content of a file.
+/// \return empty when the file cannot be read; `problem` then says why
+std::string fileFingerprint(const std::string &path, std::string &problem);
+
+/// What every run of a study gets: its templates and the files to copy, read once.
+class RunInputs {
+public:
+  /// Reads the templates and the files to copy and checks every placeholder against the model.
+  /// \param notes  receives what a person should know though nothing is wrong, such as an input that no template uses
+  /// \return empty when a file cannot be read or a placeholder cannot be filled; every such place is added to
+  ///         `problems`
+  static std::optional<RunInputs> load(const StudyFile &study, const UnitSystem &units,
+                                       std::vector<std::string> &notes, std::vector<FileProblem> &problems);
+
+  /// The files of one run with the values of `source`, copies included.
+  /// \return empty when a value cannot be written as its placeholder asks; see `problems`
+  std::optional<std::vector<RunFile>> render(const EmbeddedHost::TemplateValueSource &source,
+                                             std::vector<FileProblem> &problems) const;
+
+private:
+  struct Template {
+    EmbeddedHost::TemplateFile file;
+    std::string name;
+  };
+
+  std::vector<Template> m_templates;
+  std::vector<RunFile> m_copies;
+};
+
+} // namespace Workbench

@@ -1,0 +1,129 @@
+#include "EmbeddedHost/SolverNumber.h"
+#include "Workbench/MatrixTable.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Workbench {
+
+namespace {
+
+// One column of the printed table: a title, a unit, and one text a row.
+struct TextColumn {
+  std::vector<std::string> cells;
+  bool isRightAligned = true;
+};
+
+std::string formatted(const char *format, double value) {
+  std::string problem;
+  const auto parsed = EmbeddedHost::SolverNumberFormat::parse(format, problem);
+  const std::optional<std::string> text = parsed ? parsed->write(value) : std::nullopt;
+  return text ? *text : EmbeddedHost::writeSolverNumber(value);
+}
+
+std::string valueText(const std::optional<double> &value) {
+  return value ? formatted("%.6g", *value) : "";
+}
+
+// The difference to the baseline in per cent; nothing where either is unknown or the baseline is 0.
+std::string differenceText(const std::optional<double> &value, const std::optional<double> &baseline) {
+  if (!value || !baseline || *baseline == 0.0 || !std::isfinite(*value) || !std::isfinite(*baseline)) {
+    return "";
+  }
+  const double percent = (*value - *baseline) / std::fabs(*baseline) * 100.0;
+  return formatted("%+.1f", percent);
+}
+
+// How many characters a terminal shows, taking every code point as one.
+std::size_t widthOf(const std::string &text) {
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char character) {
+    return (static_cast<unsigned char>(character) & 0xC0U) != 0x80U;
+  }));
+}
+
+// A text value must not break the table's lines.
+std::string inOneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char character) { return static_cast<unsigned char>(character) < 0x20 || character == '\x7f'; },
+      '?');
+  return text;
+}
+
+std::string linesOf(const std::vector<TextColumn> &columns) {
+  std::vector<std::size_t> widths;
+  for (const TextColumn &column : columns) {
+    std::size_t width = 0;
+    for (const std::string &cell : column.cells) {
+      width = std::max(width, widthOf(cell));
+    }
+    widths.push_back(width);
+  }
+  std::string text;
+  for (std::size_t line = 0; line < columns.front().cells.size(); ++line) {
+    std::string row;
+    for (std::size_t index = 0; index < columns.size(); ++index) {
+      const std::string &cell = columns[index].cells[line];
+      const std::string padding(widths[index] - widthOf(cell), ' ');
+      row += (index == 0 ? "" : "  ") + (columns[index].isRightAligned ? padding + cell : cell + padding);
+    }
+    row.erase(row.find_last_not_of(' ') + 1);
+    text += row + "\n";
+    if (line == 1) {
+      for (std::size_t index = 0; index < columns.size(); ++index) {
+        text += (index == 0 ? "" : "  ") + std::string(widths[index], '-');
+      }
+      text += "\n";
+    }
+  }
+  return text;
+}
+
+} // namespace
+
+std::string MatrixTable::toText() const {
+  std::vector<TextColumn> columns;
+  const auto add = [&columns](const std::string &heading, const std::string &unit,
+                              bool isRightAligned) -> TextColumn & {
+    columns.push_back({{inOneLine(heading), inOneLine(unit)}, isRightAligned});
+    return columns.back();
+  };
+  TextColumn &numbers = add("row", "", true);
+  for (std::size_t index = 0; index < rows.size(); ++index) {
+    numbers.cells.push_back((best == index ? "* " : "") + std::to_string(rows[index].number));
+  }
+  TextColumn &names = add("name", "", false);
+  for (const Row &row : rows) {
+    names.cells.push_back(inOneLine(row.name));
+  }
+  for (std::size_t index = 0; index < inputs.size(); ++index) {
+    TextColumn &column = add(inputs[index].title, inputs[index].unit, true);
+    for (const Row &row : rows) {
+      column.cells.push_back(inOneLine(row.inputs[index]));
+    }
+  }
+  const auto addResult = [&](const std::string &heading, const std::string &unit, const auto &valueOf) {
+    TextColumn &values = add(heading, unit, true);
+    for (const Row &row : rows) {
+      values.cells.push_back(valueText(valueOf(row)));
+    }
+    TextColumn &differences = add("diff", "%", true);
+    for (const Row &row : rows) {
+      differences.cells.push_back(differenceText(valueOf(row), valueOf(rows.front())));
+    }
+  };
+  for (std::size_t index = 0; index < outputs.size(); ++index) {
+    addResult(outputs[index].title, outputs[index].unit,
+              [index](const Row &row) { return row.outputs[index]; });
+  }
+  if (hasCost) {
+    addResult("cost", "", [](const Row &row) { return row.cost; });
+  }
+  TextColumn &statuses = add("status", "", false);
+  for (const Row &row : rows) {
+    statuses.cells.push_back(inOneLine(row.status));
+  }
+  return (title.empty() ? "" : inOneLine(title) + "\n\n") + linesOf(columns);
+}
+
+} // namespace Workbench

@@ -1,0 +1,121 @@
+#include "Workbench/RunInputs.h"
+
+#include "EmbeddedHost/RunFiles.h"
+#include "Workbench/UnitSystem.h"
+#include "Workbench/src/NearestWord.h"
+
+#include <set>
+#include <utility>
+
+namespace Workbench {
+
+namespace {
+
+constexpr std::size_t kLargestInput = std::size_t{256} * 1024 * 1024;
+
+// Why the placeholder can never be filled; empty when it can.
+std::string problemOf(const EmbeddedHost::TemplatePlaceholder &placeholder, const StudyFile &study,
+                      const UnitSystem &units) {
+  const StudyAttribute *attribute = study.findAttribute(placeholder.name());
+  if (attribute == nullptr) {
+    std::vector<std::string> names;
+    for (const StudyAttribute &known : study.attributes) {
+      names.push_back(known.fullName());
+    }
+    return "the model has no attribute \"" + placeholder.name() + "\"" +
+           didYouMean(placeholder.name(), names);
+  }
+  if (attribute->isResult) {
+    return "\"" + placeholder.name() + "\" is a result: it has no value before the run";
+  }
+  if (attribute->kind == AttributeKind::Text || attribute->kind == AttributeKind::Choice) {
+    return placeholder.unit.empty() && placeholder.formatText.empty()
+               ? ""
+               : "\"" + placeholder.name() + "\" is no number and takes neither unit nor format";
+  }
+  if (placeholder.unit.empty()) {
+    return "";
+  }
+  const std::string problem = units.problemOf(placeholder.unit);
+  if (!problem.empty()) {
+    return problem;
+  }
+  if (attribute->kind != AttributeKind::Real || !units.convert(1.0, attribute->unit, placeholder.unit)) {
+    return "\"" + placeholder.name() + "\" is declared " +
+           (attribute->unit.empty() ? "without a unit" : "in \"" + attribute->unit + "\"") +
+           ", which cannot be converted to \"" + placeholder.unit + "\"";
+  }
+  return "";
+}
+
+} // namespace
+
+std::optional<RunInputs> RunInputs::load(const StudyFile &study, const UnitSystem &units,
+                                         std::vector<std::string> &notes,
+                                         std::vector<FileProblem> &problems) {
+  RunInputs inputs;
+  const std::size_t problemsBefore = problems.size();
+  std::set<std::string> used;
+  for (const StudyInputFile &entry : study.solver.templates) {
+    const std::string path = study.folder + "/" + entry.from;
+    std::string problem;
+    const std::optional<std::string> text = EmbeddedHost::readWholeFile(path, kLargestInput, problem);
+    if (!text) {
+      problems.push_back({study.path, entry.place.line, entry.place.column, problem});
+      continue;
+    }
+    std::optional<EmbeddedHost::TemplateFile> file = EmbeddedHost::TemplateFile::parse(path, *text, problems);
+    if (!file) {
+      continue;
+    }
+    if (file->placeholders().empty()) {
+      notes.push_back(path + " holds no placeholder: every run gets the same file");
+    }
+    for (const EmbeddedHost::TemplatePlaceholder &placeholder : file->placeholders()) {
+      const std::string why = problemOf(placeholder, study, units);
+      if (!why.empty()) {
+        problems.push_back({path, placeholder.line, placeholder.column, why});
+      }
+      used.insert(placeholder.name());
+    }
+    inputs.m_templates.push_back({std::move(*file), entry.to});
+  }
+  for (const StudyInputFile &entry : study.solver.copies) {
+    std::string problem;
+    RunFile file;
+    file.name = entry.to;
+    file.copyOf = study.folder + "/" + entry.from;
+    file.fingerprint = fileFingerprint(file.copyOf, problem);
+    if (file.fingerprint.empty()) {
+      problems.push_back({study.path, entry.place.line, entry.place.column, problem});
+    }
+    inputs.m_copies.push_back(std::move(file));
+  }
+  if (problems.size() != problemsBefore) {
+    return std::nullopt;
+  }
+  for (const StudyGroup &group : study.inputs) {
+    for (const std::string &attribute : group.attributes) {
+      if (used.count(attribute) == 0) {
+        notes.push_back("no template uses \"" + attribute + "\": the solver never sees this input");
+      }
+    }
+  }
+  return inputs;
+}
+
+std::optional<std::vector<RunFile>> RunInputs::render(const EmbeddedHost::TemplateValueSource &source,
+                                                      std::vector<FileProblem> &problems) const {
+  std::vector<RunFile> files;
+  for (const Template &entry : m_templates) {
+    std::optional<std::string> content = entry.file.render(source, problems);
+    if (!content) {
+      return std::nullopt;
+    }
+    files.push_back({entry.name, std::move(*content), "", ""});
+  }
+  files.insert(files.end(), m_copies.begin(), m_copies.end());
+  return files;
+}
+
+} // namespace Workbench

@@ -1,0 +1,64 @@
+#include "Workbench/ProgressPrinter.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace Workbench {
+namespace {
+
+RowState ok() {
+  RowState state;
+  state.status = RowStatus::Ok;
+  return state;
+}
+
+RowState failed() {
+  RowState state;
+  state.status = RowStatus::Failed;
+  state.reason = "exit code: 3";
+  return state;
+}
+
+TEST(ProgressPrinterTest, File_GetsOneLineForEachRow) {
+  std::ostringstream stream;
+  ProgressPrinter printer(stream, false, {});
+  printer.begun(2, 1);
+  printer.finished("Base", ok(), 0.25);
+  printer.finished("V", failed(), 1.0);
+  printer.ended();
+  EXPECT_EQ(stream.str(), "Solving 2 rows; 1 is solved already\n"
+                          "[1/2] Base: ok, 0.25 s\n"
+                          "[2/2] V: failed: exit code: 3\n");
+}
+
+TEST(ProgressPrinterTest, Terminal_GetsABarAndALineForEachFailure) {
+  std::ostringstream stream;
+  ProgressPrinter printer(stream, true, {});
+  printer.begun(2, 0);
+  printer.finished("Base", ok(), 0.25);
+  printer.finished("V", failed(), 1.0);
+  printer.ended();
+  const std::string empty(40, '.');
+  const std::string half = std::string(20, '#') + std::string(20, '.');
+  const std::string full(40, '#');
+  EXPECT_EQ(stream.str(), "Solving 2 rows\n"
+                          "\r\x1b[K[" +
+                              empty +
+                              "] 0/2"
+                              "\r\x1b[K[" +
+                              half +
+                              "] 1/2"
+                              "\r\x1b[K[2/2] V: failed: exit code: 3\n"
+                              "\r\x1b[K[" +
+                              full + "] 2/2, 1 failed\n");
+}
+
+TEST(ProgressPrinterTest, Interruptions_AreThoseOfTheFunction) {
+  std::ostringstream stream;
+  EXPECT_EQ(ProgressPrinter(stream, false, {}).interruptions(), 0);
+  EXPECT_EQ(ProgressPrinter(stream, false, [] { return 2; }).interruptions(), 2);
+}
+
+} // namespace
+} // namespace Workbench

@@ -1,0 +1,231 @@
+#include "Workbench/SolveRunner.h"
+
+#include "OptimizationTool/OptimizationData.h"
+#include "OptimizationTool/OptimizationManager.h"
+#include "Workbench/MatrixTable.h"
+#include "Workbench/tests/BoxStudy.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace Workbench {
+namespace {
+
+using OptimizationTool::OptimizationManager;
+
+class SolveRunnerTest : public ::testing::Test {
+protected:
+  static double output(const OpenBox &box, std::size_t row, std::size_t group) {
+    return box.session->data().getVariantGroup(false, row, group)->getStandardValue();
+  }
+
+  static bool hasOutput(const OpenBox &box, std::size_t row, std::size_t group) {
+    return box.session->data().getVariantGroup(false, row, group)->hasValue();
+  }
+
+  BoxStudy m_box;
+};
+
+using Names = std::vector<std::string>;
+
+TEST_F(SolveRunnerTest, Solve_EveryRow_GetsItsResultsInDeclaredUnitsAndItsCost) {
+  OpenBox box = open(m_box);
+  TestObserver observer;
+  const SolveReport report = solve(box, observer);
+  EXPECT_EQ(report.solved, 3U);
+  EXPECT_EQ(report.failed, 0U);
+  EXPECT_EQ(report.problem, "");
+  EXPECT_EQ(observer.m_toSolve, 3U);
+  EXPECT_EQ(observer.m_finished, (Names{"Base", "two", "Variant 2"}));
+  EXPECT_EQ(observer.m_ends, 1);
+  // x = 1, 2, 3 and y = 10 m = 10000 mm; the product comes in mm and is declared in m.
+  EXPECT_EQ(output(box, 0, 0), 10001.0);
+  EXPECT_EQ(output(box, 1, 0), 10002.0);
+  EXPECT_EQ(output(box, 1, 1), 20.0);
+  EXPECT_EQ(output(box, 2, 1), 30.0);
+  EXPECT_EQ(box.session->data().getVariantCost(0).value_or(0.0), 10011.0);
+  EXPECT_EQ(box.session->data().getVariantCost(2).value_or(0.0), 10033.0);
+}
+
+TEST_F(SolveRunnerTest, Solve_RunsUnderAGuardAndEndsWithTheBaselineCurrent) {
+  OpenBox box = open(m_box);
+  TestObserver observer;
+  bool wasSolving = true;
+  observer.m_onFinished = [&] {
+    wasSolving = wasSolving && OptimizationManager::instance().isSolvingVersions();
+  };
+  const OptimizationTool::OptimizationData *data = &box.session->data();
+  solve(box, observer);
+  EXPECT_TRUE(wasSolving);
+  EXPECT_FALSE(OptimizationManager::instance().isSolvingVersions());
+  EXPECT_EQ(&box.session->data(), data); // never reloaded
+  EXPECT_EQ(box.session->project().currentVersion(), box.session->baseline());
+}
+
+TEST_F(SolveRunnerTest, Assess_AfterReopening_KnowsWhatIsSolved) {
+  {
+    OpenBox box = open(m_box);
+    solve(box);
+  }
+  OpenBox box = open(m_box);
+  EXPECT_FALSE(box.session->data().getVariantCost(1).has_value()); // not before it is known to be right
+  TestObserver observer;
+  const SolveReport report = solve(box, observer);
+  EXPECT_EQ(report.alreadySolved, 3U);
+  EXPECT_EQ(observer.m_finished, Names{});
+  EXPECT_EQ(output(box, 1, 1), 20.0);
+  EXPECT_EQ(box.session->data().getVariantCost(1).value_or(0.0), 10022.0);
+}
+
+TEST_F(SolveRunnerTest, Assess_ChangedSolver_MakesRowsStaleWithoutOutputsAndCost) {
+  {
+    OpenBox box = open(m_box);
+    solve(box);
+  }
+  m_box.writeSolver("# changed");
+  OpenBox box = open(m_box);
+  box.runner->assess();
+  EXPECT_EQ(box.session->rowState(1).status, RowStatus::Stale);
+  EXPECT_EQ(box.session->updateAndPrice(), "");
+  EXPECT_FALSE(box.session->data().getVariantCost(1).has_value());
+  const MatrixTable table = MatrixTable::of(*box.session);
+  EXPECT_FALSE(table.rows[1].outputs[0].has_value());
+  EXPECT_FALSE(table.best.has_value());
+  EXPECT_EQ(table.rows[1].status, "stale");
+}
+
+TEST_F(SolveRunnerTest, Solve_RowThatFailsNow_LosesTheResultsOfItsLastRun) {
+  {
+    OpenBox box = open(m_box);
+    solve(box);
+  }
+  m_box.writeSolver("if [ $x = 2 ]; then exit 7; fi");
+  {
+    OpenBox box = open(m_box);
+    const SolveReport report = solve(box);
+    EXPECT_EQ(report.failed, 1U);
+    EXPECT_FALSE(hasOutput(box, 1, 0));
+    EXPECT_FALSE(box.session->data().getVariantCost(1).has_value());
+    EXPECT_TRUE(hasOutput(box, 2, 0));
+  }
+  OpenBox box = open(m_box);
+  box.runner->assess();
+  EXPECT_FALSE(hasOutput(box, 1, 0));
+  EXPECT_EQ(box.session->rowState(1).status, RowStatus::Failed);
+  EXPECT_EQ(box.session->rowState(1).reason, "exit code: 7");
+}
+
+TEST_F(SolveRunnerTest, Solve_NewRowOfASolvedStudy_NeverShowsTheBaselinesResults) {
+  {
+    OpenBox box = open(m_box);
+    solve(box);
+  }
+  m_box.edit("    - {values: {width: 3}}\n",
+             "    - {values: {width: 3}}\n    - {name: late, values: {width: 9}}\n");
+  OpenBox box = open(m_box);
+  TestObserver observer;
+  observer.m_stopAfter = 0;
+  box.runner->assess();
+  const SolveReport report = box.runner->solve(1, observer);
+  EXPECT_TRUE(report.isInterrupted);
+  EXPECT_EQ(box.session->updateAndPrice(), "");
+  const MatrixTable table = MatrixTable::of(*box.session);
+  ASSERT_EQ(table.rows.size(), 4U);
+  EXPECT_EQ(table.rows[3].name, "late");
+  EXPECT_EQ(table.rows[3].status, "not run");
+  EXPECT_FALSE(table.rows[3].outputs[0].has_value());
+  EXPECT_FALSE(table.rows[3].cost.has_value());
+  EXPECT_EQ(table.rows[1].outputs[1].value_or(0.0), 20.0);
+  EXPECT_EQ(table.best, std::optional<std::size_t>(2));
+}
+
+TEST_F(SolveRunnerTest, Solve_FailedRow_UnsetsTheResultsBeforeItsRun) {
+  // The row is made after the baseline was solved, so its version starts with the baseline's results.
+  {
+    OpenBox box = open(m_box);
+    solve(box);
+  }
+  m_box.edit("    - {values: {width: 3}}\n",
+             "    - {values: {width: 3}}\n    - {name: late, values: {width: 9}}\n");
+  m_box.writeSolver("if [ $x = 9 ]; then exit 7; fi");
+  OpenBox box = open(m_box);
+  solve(box);
+  EXPECT_FALSE(hasOutput(box, 3, 0));
+  ASSERT_TRUE(box.session->commands().switchVersion("late"));
+  EXPECT_FALSE(box.session->attributes().find("Box.sum")->hasValue());
+  ASSERT_TRUE(box.session->commands().switchVersion(box.session->baseline()));
+}
+
+TEST_F(SolveRunnerTest, Solve_RowThatIsEndedInTheMiddle_HasLostItsOldResultsAlready) {
+  {
+    OpenBox box = open(m_box);
+    solve(box);
+  }
+  m_box.writeSolver("sleep 60");
+  OpenBox box = open(m_box);
+  TestObserver observer;
+  observer.m_endNowAfter = 1; // when the first row has just been started
+  const SolveReport report = solve(box, observer);
+  EXPECT_TRUE(report.isInterrupted);
+  EXPECT_EQ(observer.m_finished, Names{});
+  EXPECT_FALSE(box.session->attributes().find("Box.sum")->hasValue()); // the baseline is current
+  EXPECT_FALSE(hasOutput(box, 0, 0));
+  EXPECT_TRUE(hasOutput(box, 1, 0)); // not begun: stale, and so not shown
+  EXPECT_FALSE(MatrixTable::of(*box.session).rows[1].outputs[0].has_value());
+  const std::string folder = box.session->project().versionFolder(*box.session->baseline(), false);
+  EXPECT_FALSE(std::filesystem::exists(folder + "/run.new"));
+}
+
+TEST_F(SolveRunnerTest, Interruption_FinishesWhatRunsAndLeavesTheRest) {
+  OpenBox box = open(m_box);
+  TestObserver observer;
+  observer.m_stopAfter = 1;
+  const SolveReport report = solve(box, observer);
+  EXPECT_TRUE(report.isInterrupted);
+  EXPECT_EQ(observer.m_finished, Names{"Base"});
+  EXPECT_EQ(box.session->rowState(1).status, RowStatus::NotRun);
+}
+
+TEST_F(SolveRunnerTest, Run_KeepsItsFilesInTheFolderOfItsVersion) {
+  OpenBox box = open(m_box);
+  solve(box);
+  const std::filesystem::path folder =
+      box.session->project().versionFolder(*box.session->rowVersion(1), false) + "/run";
+  EXPECT_EQ(box.session->project().runRecord(*box.session->rowVersion(1)).command, Names{"./solve.sh"});
+  EXPECT_TRUE(std::filesystem::exists(folder / "in.txt"));
+  EXPECT_TRUE(std::filesystem::exists(folder / "result.txt"));
+  EXPECT_TRUE(std::filesystem::exists(folder / "stdout.log"));
+  EXPECT_FALSE(std::filesystem::exists(folder.string() + ".new"));
+}
+
+TEST_F(SolveRunnerTest, Record_HoldsTheEndOfTheLogs) {
+  m_box.writeSolver("echo something is wrong >&2; exit 4");
+  OpenBox box = open(m_box);
+  solve(box);
+  const EmbeddedHost::RunRecord record = box.session->project().runRecord(*box.session->baseline());
+  EXPECT_EQ(record.status, EmbeddedHost::RunStatus::Failed);
+  EXPECT_EQ(record.exitCode, std::optional<int>(4));
+  EXPECT_EQ(record.logTail, "stderr.log:\nsomething is wrong\n");
+}
+
+TEST_F(SolveRunnerTest, Extraction_FromATruncatedLog_FailsTheRow) {
+  m_box.writeSolver("head -c 20000000 /dev/zero | tr '\\0' 'x'; echo");
+  m_box.edit("    - {name: two, values: {width: 2}}\n    - {values: {width: 3}}\n", "    []\n");
+  OpenBox box = open(m_box);
+  TestObserver observer;
+  solve(box, observer);
+  EXPECT_EQ(observer.m_finished, Names{"Base: output too large: stdout.log is not complete"});
+}
+
+TEST_F(SolveRunnerTest, Copies_KeepTheirPermissionToExecute) {
+  m_box.write("tool", "#!/bin/sh\necho 'tool ran' >&2\n");
+  std::filesystem::permissions(m_box.file("tool"), std::filesystem::perms::owner_all);
+  m_box.edit("  command: [./solve.sh]", "  copies: [tool]\n  command: [./solve.sh]");
+  m_box.writeSolver("./tool || exit 8");
+  OpenBox box = open(m_box);
+  EXPECT_EQ(solve(box).solved, 3U);
+}
+
+} // namespace
+} // namespace Workbench

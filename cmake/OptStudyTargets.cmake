@@ -1,0 +1,137 @@
+# How every target of the project is made: one function for a library, one for a test, one for a program.
+
+add_library(optstudy_flags INTERFACE)
+target_compile_options(optstudy_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_compile_definitions(optstudy_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII)
+if(OPTSTUDY_SANITIZE)
+  # Instrumented code confuses this warning (it finds std::regex guilty); the plain builds keep it.
+  # Lines are all that a report needs; full debug information costs a fifth of the compile time.
+  target_compile_options(optstudy_flags INTERFACE -Wno-maybe-uninitialized -g1)
+endif()
+if(OPTSTUDY_SANITIZE STREQUAL "address")
+  target_compile_options(optstudy_flags INTERFACE -O1 -fsanitize=address,undefined,float-cast-overflow
+                         -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(optstudy_flags INTERFACE -fsanitize=address,undefined,float-cast-overflow)
+elseif(OPTSTUDY_SANITIZE STREQUAL "thread")
+  target_compile_options(optstudy_flags INTERFACE -O1 -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(optstudy_flags INTERFACE -fsanitize=thread)
+endif()
+
+# Benchmarks register themselves with this one, so that it is there to be built even while there is none.
+add_custom_target(optstudy_benchmarks)
+
+# optstudy_library(<Name> [SHARED] [INSTALL] [DEFAULT_VISIBILITY] HEADERS ... SOURCES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
+# Makes <Name>_objects (position independent, hidden symbols), the library <Name> and its alias OptStudy::<Name>.
+# Unit tests link <Name>_objects, so that they reach internals and nothing extra is exported.
+function(optstudy_library name)
+  cmake_parse_arguments(ARG "SHARED;INSTALL;DEFAULT_VISIBILITY;QT_META_OBJECTS" ""
+                        "HEADERS;SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  add_library(${name}_objects OBJECT ${ARG_SOURCES} ${ARG_HEADERS})
+  set_target_properties(${name}_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  if(NOT ARG_DEFAULT_VISIBILITY)
+    set_target_properties(${name}_objects PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  endif()
+  if(ARG_QT_META_OBJECTS)
+    set_target_properties(${name}_objects PROPERTIES AUTOMOC ON)
+  endif()
+  target_include_directories(${name}_objects PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name}_objects PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS}
+                        $<BUILD_INTERFACE:optstudy_flags>)
+
+  if(ARG_SHARED)
+    add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
+    set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}
+                          SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  else()
+    add_library(${name} STATIC $<TARGET_OBJECTS:${name}_objects>)
+  endif()
+  add_library(OptStudy::${name} ALIAS ${name})
+  set_target_properties(${name} PROPERTIES OUTPUT_NAME OptStudy${name} LINKER_LANGUAGE CXX)
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                             $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/optstudy>)
+  target_compile_features(${name} PUBLIC cxx_std_17)
+  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS}
+                        $<BUILD_INTERFACE:optstudy_flags>)
+
+  foreach(header ${ARG_HEADERS})
+    set_property(GLOBAL APPEND PROPERTY OPTSTUDY_PUBLIC_HEADERS ${name}/${header})
+  endforeach()
+  if(ARG_INSTALL)
+    install(TARGETS ${name} EXPORT OptStudyTargets
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(FILES ${ARG_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/optstudy/${name})
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    set_property(GLOBAL APPEND PROPERTY OPTSTUDY_INSTALLED_TARGETS ${name})
+  endif()
+endfunction()
+
+# optstudy_program(<Name> [INSTALL] SOURCES ... LINK ...)
+function(optstudy_program name)
+  cmake_parse_arguments(ARG "INSTALL" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} optstudy_flags)
+  if(ARG_INSTALL)
+    install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    # Relative, so that an installed tree can be moved.
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    set_property(GLOBAL APPEND PROPERTY OPTSTUDY_INSTALLED_TARGETS ${name})
+  endif()
+endfunction()
+
+# optstudy_benchmark(<Name> SOURCES ... LINK ...)
+# Goes where `./dev bench` finds and runs it; the sources bring their own main, BENCHMARK_MAIN() for example.
+function(optstudy_benchmark name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  find_package(benchmark REQUIRED)
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} benchmark::benchmark optstudy_flags)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/benchmarks)
+  add_dependencies(optstudy_benchmarks ${name})
+endfunction()
+
+# optstudy_test(<Name> SOURCES ... LINK ... [LABELS ...] [TIMEOUT seconds] [ENVIRONMENT VAR=value ...])
+# Every case is a ctest entry, and so a process, of its own. TestMain takes the process locale from the
+# environment, so that a German environment reaches the code under test.
+function(optstudy_test name)
+  if(NOT OPTSTUDY_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 60)
+  endif()
+  if(NOT ARG_LABELS)
+    set(ARG_LABELS unit)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} optstudy_test_main GTest::gtest optstudy_flags)
+  # The lists pass through a generated script, which would otherwise take them apart.
+  string(REPLACE ";" "\\;" labels "${ARG_LABELS}")
+  string(REPLACE ";" "\\;" environment "${ARG_ENVIRONMENT}")
+  set(properties TIMEOUT ${ARG_TIMEOUT} LABELS "${labels}")
+  if(environment)
+    list(APPEND properties ENVIRONMENT "${environment}")
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+endfunction()
+
+# Called once, after every room: package files, the uninstall script, and the target optstudy_installed, which
+# builds what is installed and nothing else.
+function(optstudy_install_package)
+  include(CMakePackageConfigHelpers)
+  set(directory ${CMAKE_INSTALL_LIBDIR}/cmake/OptStudy)
+  configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/OptStudyConfig.cmake.in
+                                ${PROJECT_BINARY_DIR}/OptStudyConfig.cmake INSTALL_DESTINATION ${directory})
+  # Before 1.0 a minor version may change the interface, so only the same minor version is compatible.
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/OptStudyConfigVersion.cmake
+                                   VERSION ${PROJECT_VERSION} COMPATIBILITY SameMinorVersion)
+  install(FILES ${PROJECT_BINARY_DIR}/OptStudyConfig.cmake ${PROJECT_BINARY_DIR}/OptStudyConfigVersion.cmake
+          DESTINATION ${directory})
+  install(PROGRAMS ${PROJECT_SOURCE_DIR}/tools/uninstall DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/optstudy)
+  install(EXPORT OptStudyTargets NAMESPACE OptStudy:: DESTINATION ${directory})
+  get_property(headers GLOBAL PROPERTY OPTSTUDY_PUBLIC_HEADERS)
+  string(REPLACE ";" "\n" headers "${headers}")
+  file(WRITE ${PROJECT_BINARY_DIR}/public-headers.txt "${headers}\n")
+  get_property(installed GLOBAL PROPERTY OPTSTUDY_INSTALLED_TARGETS)
+  add_custom_target(optstudy_installed DEPENDS ${installed})
+endfunction()
