@@ -73,8 +73,9 @@ public:
   /// The attribute at a "."-separated path, or null.
   EntityModel::Attribute *attribute(EntityModel::Entity *entity, const std::string &path) const;
   /// Sets a value in the current version from text, whatever its nature; "" unsets a number. Tells no
-  /// observer. \return false for a null entity or a missing path \throws std::invalid_argument  the text is
-  /// no value of the attribute; nothing has changed
+  /// observer.
+  /// \return false for a null entity or a missing path
+  /// \throws std::invalid_argument  the text is no value of the attribute; nothing has changed
   bool setValue(EntityModel::Entity *entity, const std::string &path, const std::string &text);
   /// The number of an entity, which is part of the text of links to it; stable over sessions.
   static std::int64_t entityNumber(const EntityModel::Entity &entity);
@@ -107,7 +108,8 @@ public:
   RunRecord runRecord(const EntityModel::ModelVersion &version) const;
   /// Stores a version's run record and its results in one durable transaction of their own, which holds no
   /// other unsaved edit. The results also become values of that version in the model. In a project without a
-  /// file only the model changes. \return false with one sentence in \p problem, for example when the version
+  /// file only the model changes.
+  /// \return false with one sentence in \p problem, for example when the version
   /// or a result's entity was never
   ///         saved; nothing has changed then
   bool recordRun(EntityModel::ModelVersion &version, const RunRecord &record,

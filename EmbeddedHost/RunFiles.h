@@ -12,7 +12,8 @@ namespace EmbeddedHost {
 std::optional<std::string> readWholeFile(const std::string &path, std::size_t largest, std::string &problem);
 
 /// Writes a new file with this content and fails when one of that name exists. Every write is checked, so
-/// that a full disk cannot leave a shortened file unnoticed. \return false with the reason in `problem`; a
+/// that a full disk cannot leave a shortened file unnoticed.
+/// \return false with the reason in `problem`; a
 /// partly written file is removed
 bool writeNewFile(const std::string &path, std::string_view content, std::string &problem);
 

@@ -8,7 +8,8 @@
 namespace EmbeddedHost {
 
 /// Reads one number as solvers write it: the whole text, with white space around it allowed, is one finite
-/// decimal number in the C notation ("12", "+1.5", "-3e-7", ".5"). The process locale plays no part. \return
+/// decimal number in the C notation ("12", "+1.5", "-3e-7", ".5"). The process locale plays no part.
+/// \return
 /// the number; empty when the text is empty, holds anything else (hexadecimal, "inf", "nan", "1,5", a unit)
 ///         or names a number outside the range of a double
 std::optional<double> readSolverNumber(std::string_view text);

@@ -49,7 +49,8 @@ struct SolverOutcome {
 };
 
 /// Finds the file that a command names: a name with a slash is taken relative to `baseFolder`, any other is
-/// looked up in `searchPath`, a list like PATH, whose empty entries are skipped. \return an absolute path of
+/// looked up in `searchPath`, a list like PATH, whose empty entries are skipped.
+/// \return an absolute path of
 /// an executable regular file; empty when there is none
 std::optional<std::string> findProgram(const std::string &name, const std::string &baseFolder,
                                        const std::string &searchPath);

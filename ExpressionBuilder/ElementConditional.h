@@ -30,6 +30,7 @@ private:
   /// Slot of the branch that a constant condition selects; 0 when there is no such branch.
   static std::size_t selectBranch(const Children &children);
   static bool isBranchConstant(const Children &children, std::size_t selected);
+  static std::unique_ptr<ElementAbstract> copyWithoutChildren(const ElementAbstract &node);
   static const ElementShape &conditionalShape() noexcept;
 
   explicit ElementConditional(Children &&children);

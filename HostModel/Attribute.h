@@ -173,7 +173,8 @@ public:
   /// Position of the element; -1 when the list does not hold it.
   virtual int indexOf(const Entity *entity) const = 0;
   /// Moves an element before the one that is now at \p to; \p to may equal getCount(), which moves to the
-  /// end. The element ends at \p to when that is before its old place, else one before. \return whether the
+  /// end. The element ends at \p to when that is before its old place, else one before.
+  /// \return whether the
   /// list holds the element and \p to is in range
   virtual bool moveEntity(Entity *entity, int to) = 0;
 };

@@ -61,7 +61,8 @@ public:
   virtual void editedVersion(ModelVersion *version, ChangeSet *changes, bool &edited, bool notify) = 0;
   /// Removes the version and what follows it from the project; never the root version; null and unknown
   /// versions are ignored. When the current version goes, its nearest surviving previous version becomes
-  /// current without notification. \param destroyed  receives whether anything was removed
+  /// current without notification.
+  /// \param destroyed  receives whether anything was removed
   virtual void destroyVersion(ModelVersion *version, ChangeSet *changes, bool &destroyed) = 0;
   virtual void destroyVersions(std::vector<ModelVersion *> &versions, ChangeSet *changes,
                                bool &destroyed) = 0;

@@ -26,7 +26,8 @@ public:
   ModellingImpact() = delete;
 
   /// Whether the attribute has the named impact: for "NoCFDImpact", whether changing it leaves the simulation
-  /// as it is, as with names, notes and colours. False without a host. \param includeOwners  also true when
+  /// as it is, as with names, notes and colours. False without a host.
+  /// \param includeOwners  also true when
   /// an owner of the attribute is marked so
   static bool hasModellingImpact(const Attribute *attribute, const std::string &kind, bool includeOwners);
 };

@@ -18,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -151,14 +152,16 @@ public:
   /// @{
 
   /// Adds an unnamed group with one variable; every row gets a cell with the model's current value. Does not
-  /// look for duplicates. \return index of the new group; -1 for a null attribute or when the host refuses,
+  /// look for duplicates.
+  /// \return index of the new group; -1 for a null attribute or when the host refuses,
   /// and then no cell is added
   int addGroup(bool isInput, EntityModel::Attribute *attribute);
   int addGroup(bool isInput, EntityModel::Entity *entity, const EntityModel::AttributePath &path);
   /// Adds an unnamed group without variables, whose column copies that of another group.
   int addGroupFromGroup(bool isInput, int sourceGroupIndex);
   /// Removes a group and its column. An index equal to the number of groups, or negative, removes no group,
-  /// but an index equal to the number of groups removes a surplus cell of rows that have one. \throws
+  /// but an index equal to the number of groups removes a surplus cell of rows that have one.
+  /// \throws
   /// std::out_of_range "OptimizationData::removeGroup: Group index out of range" above the number of groups
   void removeGroup(bool isInput, int groupIndex);
   /// Removes the first variable of the attribute from its group, and the group when that leaves it empty.
@@ -169,7 +172,8 @@ public:
   void removeAttributeFromGroup(bool isInput, int flatIndex);
   /// Moves a variable to the end of another group, whose limits and bounds it takes; a source group left
   /// empty goes, with its column, also when nothing was moved. The cells of the target group stay as they
-  /// are. \throws std::logic_error "OptimizationData::moveAttribute: Can't move attribute to same group"
+  /// are.
+  /// \throws std::logic_error "OptimizationData::moveAttribute: Can't move attribute to same group"
   void moveAttribute(bool isInput, int fromGroup, int indexInGroup, int toGroup);
   /// Reorders the groups only; the cells of the rows stay where they are, for the caller to reorder.
   void moveGroup(bool isInput, int from, int to);
@@ -194,7 +198,8 @@ public:
   /// @{
 
   /// Makes an alternate of the copy version with these input values and appends its row. The row is not
-  /// priced. \param values             one text per input group, in the host's own form of a value \param
+  /// priced.
+  /// \param values             one text per input group, in the host's own form of a value \param
   /// name               "" takes the first free default name; a name in use is varied by the host \param
   /// alternateArgument  position among the alternates, handed to the host as it is \return index of the row;
   /// 0 when the number of values is wrong, the copy version is missing or the host refuses
@@ -223,7 +228,8 @@ public:
   ///                          before the refused one have their new values
   void setVariantValues(const std::string &name, const std::vector<std::string> &values);
   /// Sets one input value of a row and pushes the row into its version, also when it has no such cell. A row
-  /// that does not exist is ignored. \throws std::exception   the text is no value of the cell, "" for a
+  /// that does not exist is ignored.
+  /// \throws std::exception   the text is no value of the cell, "" for a
   /// number included; nothing has changed
   void setVariantValue(std::size_t variant, std::size_t group, const std::string &value);
   /// @}
@@ -235,7 +241,8 @@ public:
   std::string getDefaultCopyVersionName(int n) const;
   std::string getDefaultAlternateVersionName(int n) const;
   /// Makes the copy version, from the version that is current. In a running study the new copy becomes the
-  /// one that alternates are made from, while the rows stay with the alternates of the old one. \param
+  /// one that alternates are made from, while the rows stay with the alternates of the old one.
+  /// \param
   /// forceNew  make one even when there is one; otherwise one with the default name is adopted
   void createCopyVersion(bool forceNew);
   /// Makes an alternate for each row whose version is gone. A copy version that is gone but named is not made
@@ -263,8 +270,16 @@ public:
   /// Updates the rows at these indices in this order; indices out of range are skipped.
   void updateAlternates(UpdateTypes types, const std::vector<std::size_t> &variants,
                         Tools::ToolProgress *progress);
-  void updateAlternates(UpdateTypes types, std::initializer_list<std::size_t> variants,
-                        Tools::ToolProgress *progress);
+  /// As the form for a vector, for a list of literals of any integer type.
+  template <class Index, std::enable_if_t<std::is_integral_v<Index>, int> = 0>
+  void updateAlternates(UpdateTypes types, std::initializer_list<Index> variants,
+                        Tools::ToolProgress *progress) {
+    std::vector<std::size_t> indices;
+    for (const Index index : variants) {
+      indices.push_back(static_cast<std::size_t>(index));
+    }
+    updateAlternates(types, indices, progress);
+  }
   void updateAlternate(UpdateTypes types, const std::string &name);
   void updateAlternate(UpdateTypes types, std::size_t variant);
   /// @}
@@ -305,7 +320,8 @@ public:
   void initializeVariants(Tools::ToolProgress *progress);
   /// Appends a row for the baseline and for each study case among the alternates of the copy version, makes
   /// the baseline current and prices the rows. Expects an empty matrix: rows of a filled one stay before the
-  /// new ones. \param newStudy  also record the current version as baseline and make the copy version
+  /// new ones.
+  /// \param newStudy  also record the current version as baseline and make the copy version
   void initializeVariants(bool newStudy, Tools::ToolProgress *progress);
   /// @}
 
@@ -342,6 +358,19 @@ private:
     QPointer<OptimizationData> m_data;
   };
 
+  /// While one lives, rows that are removed stay allocated, so that an operation may hold on to rows across
+  /// calls to the host. Survives the end of the study data.
+  class RowsInUseScope {
+  public:
+    explicit RowsInUseScope(OptimizationData &data);
+    RowsInUseScope(const RowsInUseScope &) = delete;
+    RowsInUseScope &operator=(const RowsInUseScope &) = delete;
+    ~RowsInUseScope();
+
+  private:
+    QPointer<OptimizationData> m_data;
+  };
+
   QString getStudyTypeName() const;
   EntityModel::ModelVersion *currentVersion() const;
   EntityModel::ModelVersion *findVersion(const std::string &label) const;
@@ -349,6 +378,10 @@ private:
 
   OptimizationVariant *getVariant(std::size_t index);
   OptimizationVariant *getVariant(const std::string &name);
+  /// Takes a row out of the matrix. Does nothing when it was taken out before.
+  void takeRow(const OptimizationVariant *row);
+  /// Whether a row was taken out of the matrix since the outermost RowsInUseScope was opened.
+  bool isTaken(const OptimizationVariant *row) const;
   std::size_t addVariant(EntityModel::ModelVersion *version);
   std::string chooseVariantName(const std::string &name) const;
   void writeInputValues(const std::vector<std::string> &values);
@@ -378,6 +411,9 @@ private:
   mutable OptimizationGroups m_inputGroups;
   mutable OptimizationGroups m_outputGroups;
   OptimizationVariants m_variants;
+  // Rows that were removed while an operation was at work on rows.
+  std::vector<std::unique_ptr<OptimizationVariant>> m_takenRows;
+  int m_rowsInUse = 0;
   EntityModel::ChangeManager *m_changeManager;
   EntityGUI::AbstractObserverManager *m_observerManager;
   CostFunctionBuilder m_costFunctionBuilder;

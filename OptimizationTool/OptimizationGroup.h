@@ -52,7 +52,8 @@ public:
   /// getVariable(0).
   OptimizationGroupVariable getFrontVariable() const;
   /// The attribute that a variable refers to, owned by the host; null when the variable is null or its
-  /// attribute is not found. \param index  from 0
+  /// attribute is not found.
+  /// \param index  from 0
   EntityModel::Attribute *getAttribute(int index) const;
   /// getAttribute(0).
   EntityModel::Attribute *getFrontAttribute() const;
@@ -94,7 +95,8 @@ public:
   /// \return a null variable for null, without a list, and when the host creates nothing
   OptimizationGroupVariable appendVariable(EntityModel::Attribute *attribute);
   /// Appends a variable that refers to the attribute at \p path of \p owner. Its limits, step and bounds are
-  /// left as the host makes them. \return a null variable without a list, and when the host creates nothing
+  /// left as the host makes them.
+  /// \return a null variable without a list, and when the host creates nothing
   OptimizationGroupVariable appendVariable(EntityModel::Entity *owner,
                                            const EntityModel::AttributePath &path);
   /// Deletes the first variable that refers to the attribute. \return whether there was one

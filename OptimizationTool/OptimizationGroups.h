@@ -104,14 +104,14 @@ public:
   /// The matrix of the study does not follow; the study data object edits both.
   /// @{
 
-  /// Creates an unnamed group without variables at the end of the list. \return a null group without a list
+  /// Creates an unnamed group without variables at the end of the list.
+  /// \return a null group without a list
   /// and when the host creates nothing
   OptimizationGroup appendGroup();
   /// Moves a group before the one that is now at \p to.
   /// \param from  below size()
   /// \param to    may equal size(), which moves the group to the end
-  /// \return      false, with nothing changed, when an index is out of range or the host refuses; true
-  /// without any
+  /// \return      false, with nothing changed, when an index is out of range or the host refuses; true without any
   ///              change for equal indices below size()
   bool moveGroup(int from, int to);
   /// Deletes a group. \return the host's answer; false when there is no such group
@@ -124,8 +124,7 @@ public:
   /// Moves a variable to the end of a group, whose first variable gives it its limits, step and bounds; in an
   /// empty group it keeps its own. A bound that is switched off is not copied, only its switch.
   /// \param removeEmptyGroup  deletes the group that held the variable when that has no variables left
-  /// \return  false when there is no such variable or group, with nothing changed, and when the host refuses
-  /// the
+  /// \return  false when there is no such variable or group, with nothing changed, and when the host refuses the
   ///          move, with the settings already copied
   bool moveVariable(int fromGroup, int fromVariable, int toGroup, bool removeEmptyGroup);
   /// @}

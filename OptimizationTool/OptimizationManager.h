@@ -53,11 +53,12 @@ public:
   /// A null version means the current one.
   /// @{
 
-  /// Begins a study on the current version, which must exist: marks it, creates its study entity and the copy
-  /// version. Does nothing when a study has already begun on it.
+  /// Marks the current version, creates its study entity and the copy version. Without a version, or when the
+  /// host refuses the entity, no study is held then. Does nothing when a study has begun on the version.
   void beginStudy(EntityModel::ModelVersionStudyType type);
   /// Ends the study of the current version: deletes its study entity and releases the baseline. From an
-  /// alternate it clears the studies recorded for the alternate's own label. \param deleteVersions  destroy
+  /// alternate it clears the studies recorded for the alternate's own label.
+  /// \param deleteVersions  destroy
   /// every version that directly follows the baseline, whether or not the study made
   ///                        it; otherwise they become ordinary, editable versions
   void endStudy(bool deleteVersions);

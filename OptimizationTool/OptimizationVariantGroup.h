@@ -27,7 +27,8 @@ public:
   /// The copy, owned by the cell, which may be changed; null for an empty cell.
   EntityModel::Attribute *get() const noexcept { return m_attribute.get(); }
   /// Stores a clone of \p attribute, which may be this cell's own copy, and then destroys the copy held so
-  /// far. \param attribute  null makes the cell empty
+  /// far.
+  /// \param attribute  null makes the cell empty
   void replace(const EntityModel::Attribute *attribute);
 
 private:

@@ -92,12 +92,13 @@ public:
   iterator erase(const_iterator position);
   /// Removes a row and hands it to the caller; null when \p index is out of range.
   std::unique_ptr<OptimizationVariant> take(std::size_t index);
-  /// Moves a row before the one that is now at \p to. It ends at \p to when that is before its old place,
-  /// else at \p to - 1, so no row becomes the last one this way. \param from  below size() \param to    below
-  /// size() \return      true only when the indices are equal and nothing was to be done. False for an index
-  /// out of
-  ///              range, when nothing has changed, and just so for a row that was moved: the answer does not
-  ///              tell whether a row has moved.
+  /// Moves a row before the one that is now at \p to. It ends at \p to when that is before its old place, else at
+  /// \p to - 1, so no row becomes the last one this way.
+  /// \param from  below size()
+  /// \param to    below size()
+  /// \return      true only when the indices are equal and nothing was to be done. False for an index out of range,
+  ///              when nothing has changed, and just so for a row that was moved: the answer does not tell whether a
+  ///              row has moved.
   bool move(std::size_t from, std::size_t to);
   /// @}
 

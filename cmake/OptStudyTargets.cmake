@@ -9,7 +9,7 @@ if(OPTSTUDY_SANITIZE)
   target_compile_options(optstudy_flags INTERFACE -Wno-maybe-uninitialized -g1)
 endif()
 if(OPTSTUDY_SANITIZE STREQUAL "address")
-  target_compile_options(optstudy_flags INTERFACE -O1 -fsanitize=address,undefined,float-cast-overflow
+  target_compile_options(optstudy_flags INTERFACE -O0 -fsanitize=address,undefined,float-cast-overflow
                          -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(optstudy_flags INTERFACE -fsanitize=address,undefined,float-cast-overflow)
 elseif(OPTSTUDY_SANITIZE STREQUAL "thread")

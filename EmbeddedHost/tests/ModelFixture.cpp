@@ -153,6 +153,7 @@ void ModelTest::show(EntityModel::ModelVersion *version) {
 
 std::vector<std::string> ModelTest::labels(const std::vector<EntityModel::ModelVersion *> &versions) {
   std::vector<std::string> texts;
+  texts.reserve(versions.size());
   for (const EntityModel::ModelVersion *version : versions) {
     texts.push_back(version->getLabel());
   }

@@ -16,7 +16,7 @@ MemberType member(const std::string &label, MemberKind kind) {
 
 std::string problemOf(const MemberType &type) {
   ModelSchema schema;
-  const std::string problem = schema.declareType("Thing", {type});
+  std::string problem = schema.declareType("Thing", {type});
   EXPECT_EQ(schema.findType("Thing") == nullptr, !problem.empty());
   return problem;
 }

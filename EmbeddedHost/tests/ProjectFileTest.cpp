@@ -39,7 +39,7 @@ protected:
   std::string problemOfFile(const std::string &content) {
     const std::string path = folder.path("tested");
     writeFile(path, content);
-    const std::string problem = problemOf(path);
+    std::string problem = problemOf(path);
     EXPECT_EQ(contentOf(path), content);
     EXPECT_FALSE(std::filesystem::exists(path + "-journal"));
     EXPECT_FALSE(std::filesystem::exists(path + "-wal"));
@@ -157,7 +157,8 @@ TEST_F(ProjectFileTest, RandomDamage_IsRefusedOrOpened_NeverAWrite) {
       content.resize(place);
     } else if (trial % 3 == 1) {
       for (int flips = 0; flips < 8; ++flips) {
-        content[random() % content.size()] ^= static_cast<char>(1U << random() % 8U);
+        char &byte = content[random() % content.size()];
+        byte = static_cast<char>(static_cast<unsigned char>(byte) ^ (1U << random() % 8U));
       }
     } else {
       const std::size_t page = place / 4096 * 4096;

@@ -35,7 +35,8 @@ TEST(SolverNumberTest, ReadLeading_NumberWithSomethingBehind_TellsItsLength) {
     const char *text;
     double value;
     std::size_t length;
-  } rows[] = {{"10 kohm", 10.0, 2}, {"+1.5e3m", 1500.0, 6}, {"5eV", 5.0, 1}, {"10,000", 10.0, 2}, {"-2", -2.0, 2}};
+  } rows[] = {
+      {"10 kohm", 10.0, 2}, {"+1.5e3m", 1500.0, 6}, {"5eV", 5.0, 1}, {"10,000", 10.0, 2}, {"-2", -2.0, 2}};
   for (const auto &row : rows) {
     std::size_t length = 99;
     EXPECT_EQ(readLeadingNumber(row.text, length).value_or(0.0), row.value) << row.text;

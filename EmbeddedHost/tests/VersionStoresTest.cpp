@@ -33,7 +33,7 @@ protected:
 
   std::string folderOf(ModelVersion *version) { return tree.getVersionFolder(version, false); }
   std::string fill(ModelVersion *version, const std::string &content) {
-    const std::string path = tree.getVersionFolder(version, true);
+    std::string path = tree.getVersionFolder(version, true);
     fs::create_directories(path + "/inner");
     writeFile(path + "/result.txt", content);
     writeFile(path + "/inner/deep.txt", "deep " + content);

@@ -122,6 +122,7 @@ TEST_F(VersionSwitchTest, RowRule_OperationElsePreviousValue_EqualsTheSwitchedVa
 
 TEST_F(VersionSwitchTest, ManyEditsInOneVersion_AreAllFoundAndUndone) {
   std::vector<EntityModel::Entity *> parts;
+  parts.reserve(200);
   for (int index = 0; index < 200; ++index) {
     parts.push_back(project->createEntity("Part", root, "Parts", "P"));
   }

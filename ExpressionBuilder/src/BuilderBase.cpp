@@ -3,8 +3,8 @@
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/Exceptions.h"
 #include "ExpressionBuilder/Functions.h"
-#include "ExpressionParser.h"
-#include "Literals.h"
+#include "ExpressionBuilder/src/ExpressionParser.h"
+#include "ExpressionBuilder/src/Literals.h"
 
 #include <stdexcept>
 #include <utility>

@@ -1,8 +1,30 @@
 #include "ExpressionBuilder/BuilderSingleType.h"
 
+#include "ExpressionBuilder/Exceptions.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <stdexcept>
 #include <utility>
 
 namespace ExpressionBuilder {
+
+namespace {
+
+/// Folding may compute the root here for the first time, a function call say; its error gets the place where
+/// the expression begins.
+template <class T>
+std::unique_ptr<Element<T>> convertedRoot(const BuilderBase &builder, std::unique_ptr<ElementAbstract> root,
+                                          TextPosition begin, TextPosition end) {
+  try {
+    return builder.castTo<T>(std::move(root));
+  } catch (const std::runtime_error &error) {
+    const TextPosition first = std::find_if(begin, end, [](char c) { return c != ' '; });
+    throw ParserError(error.what(), static_cast<std::size_t>(first - begin));
+  }
+}
+
+} // namespace
 
 template <class T> BuilderSingleType<T>::BuilderSingleType() = default;
 
@@ -12,9 +34,10 @@ template <class T>
 void BuilderSingleType<T>::parseExpression(std::unique_ptr<ElementAbstract> &result, TextPosition &position,
                                            TextPosition end, int level, bool sameLevel,
                                            ParseMode mode) const {
+  const TextPosition begin = position;
   BuilderBase::parseExpression(result, position, end, level, sameLevel, mode);
   if (result != nullptr) {
-    result = castTo<T>(std::move(result));
+    result = convertedRoot<T>(*this, std::move(result), begin, end);
   }
 }
 
@@ -34,7 +57,7 @@ std::unique_ptr<ElementAbstract> BuilderSingleType<T>::build(const std::string &
 
 template <class T>
 std::unique_ptr<Element<T>> BuilderSingleType<T>::buildElement(const std::string &text) const {
-  return castTo<T>(BuilderBase::build(text));
+  return convertedRoot<T>(*this, BuilderBase::build(text), text.begin(), text.end());
 }
 
 template <class T>

@@ -66,18 +66,20 @@ bool ElementConditional<T>::isBranchConstant(const Children &children, std::size
   return selected != 0 && children[selected] != nullptr && children[selected]->isConstant();
 }
 
+template <class T>
+std::unique_ptr<ElementAbstract> ElementConditional<T>::copyWithoutChildren(const ElementAbstract &node) {
+  const auto &conditional = static_cast<const ElementConditional &>(node);
+  return std::unique_ptr<ElementAbstract>(
+      new ElementConditional(conditional.isConstant(), conditional.m_selected));
+}
+
 template <class T> const ElementShape &ElementConditional<T>::conditionalShape() noexcept {
   static constexpr ElementShape shape{ElementShape::Form::Conditional,
                                       ValueTypeOf<T>::code,
                                       3,
                                       &Base::childrenOfNode,
                                       nullptr,
-                                      [](const ElementAbstract &node) -> std::unique_ptr<ElementAbstract> {
-                                        const auto &conditional =
-                                            static_cast<const ElementConditional &>(node);
-                                        return std::unique_ptr<ElementAbstract>(new ElementConditional(
-                                            conditional.isConstant(), conditional.m_selected));
-                                      },
+                                      &copyWithoutChildren,
                                       nullptr,
                                       nullptr,
                                       [](const ElementAbstract &node) {

@@ -1,8 +1,8 @@
-#include "ExpressionParser.h"
+#include "ExpressionBuilder/src/ExpressionParser.h"
 
-#include "Characters.h"
 #include "ExpressionBuilder/Exceptions.h"
-#include "Literals.h"
+#include "ExpressionBuilder/src/Characters.h"
+#include "ExpressionBuilder/src/Literals.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,8 +1,8 @@
-#include "Literals.h"
+#include "ExpressionBuilder/src/Literals.h"
 
-#include "Characters.h"
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/NumberText.h"
+#include "ExpressionBuilder/src/Characters.h"
 
 #include <string_view>
 #include <utility>
@@ -29,19 +29,14 @@ NumberScan scanNumber(TextPosition &position, TextPosition end) {
   bool isSignAllowed = true;
   for (; position != end; ++position) {
     const char c = *position;
-    if (isDigit(c)) {
-      isSignAllowed = false;
-    } else if (c == '.' && !hasPoint) {
-      hasPoint = true;
-      isSignAllowed = false;
-    } else if ((c == 'e' || c == 'E') && !hasExponent) {
-      hasExponent = true;
-      isSignAllowed = true;
-    } else if (isSign(c) && isSignAllowed) {
-      isSignAllowed = false;
-    } else {
+    const bool isPoint = c == '.' && !hasPoint;
+    const bool isExponentMark = (c == 'e' || c == 'E') && !hasExponent;
+    if (!isDigit(c) && !isPoint && !isExponentMark && !(isSign(c) && isSignAllowed)) {
       break;
     }
+    hasPoint = hasPoint || isPoint;
+    hasExponent = hasExponent || isExponentMark;
+    isSignAllowed = isExponentMark;
   }
   return {std::string(begin, position), !hasPoint && !hasExponent};
 }

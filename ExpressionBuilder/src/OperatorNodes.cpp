@@ -85,13 +85,11 @@ template <class T> Operand makeBinaryOf(BinaryOperator operation, Operand left, 
   case BinaryOperator::GreaterEqual:
     return binaryNode<std::greater_equal<T>, T>(std::move(left), std::move(right));
   case BinaryOperator::And:
-    if constexpr (!kIsText<T>) {
-      return binaryNode<std::logical_and<T>, T>(std::move(left), std::move(right));
-    }
-    break;
   case BinaryOperator::Or:
     if constexpr (!kIsText<T>) {
-      return binaryNode<std::logical_or<T>, T>(std::move(left), std::move(right));
+      return operation == BinaryOperator::And
+                 ? binaryNode<std::logical_and<T>, T>(std::move(left), std::move(right))
+                 : binaryNode<std::logical_or<T>, T>(std::move(left), std::move(right));
     }
     break;
   case BinaryOperator::Add:

@@ -3,7 +3,7 @@
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/ElementVariable.h"
 #include "ExpressionBuilder/Exceptions.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 
@@ -389,6 +389,31 @@ TEST(BuilderTest, BuilderSingleType_EmptyRoot_IsNeverCast) {
     EXPECT_EQ(buildFailure(builder, text).message, "Syntax error") << text;
   }
   EXPECT_EQ(buildFailure(builder, " ").message, "Empty expression");
+}
+
+TEST(BuilderTest, BuilderSingleType_FaultWhileTheRootIsConverted_HasItsPlace) {
+  BuilderSingleType<double> builder;
+  const Testing::Failure failure = buildFailure(builder, "  mod(7, 0)");
+  EXPECT_EQ(failure.message, "Integer division by zero");
+  EXPECT_EQ(failure.offset, 2U);
+  try {
+    parse(builder, " mod(7, 0) + 1.0", 1, true, ParseMode::Whole);
+    FAIL() << "nothing thrown";
+  } catch (const ParserError &error) {
+    EXPECT_STREQ(error.what(), "Integer division by zero");
+    EXPECT_EQ(error.offset(), 1U);
+  }
+  builder.setFoldConstants(false);
+  EXPECT_NO_THROW(builder.build("mod(7, 0)"));
+}
+
+TEST(BuilderTest, Associativity_OfLogicalOperators_NestsToTheLeft) {
+  BuilderBase builder;
+  builder.variables().declare("x", constant(1));
+  EXPECT_TRUE(builder.build("%x% && %x% && %x%")->equals(*builder.build("(%x% && %x%) && %x%")));
+  EXPECT_FALSE(builder.build("%x% && %x% && %x%")->equals(*builder.build("%x% && (%x% && %x%)")));
+  EXPECT_TRUE(builder.build("%x% || %x% || %x%")->equals(*builder.build("(%x% || %x%) || %x%")));
+  EXPECT_FALSE(builder.build("%x% || %x% || %x%")->equals(*builder.build("%x% || (%x% || %x%)")));
 }
 
 TEST(BuilderTest, BuildExpression_HasItsOwnVariables) {

@@ -2,7 +2,7 @@
 
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/ElementFunctional.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <climits>
 #include <gtest/gtest.h>

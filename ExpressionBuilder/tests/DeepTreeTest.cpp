@@ -1,7 +1,7 @@
 #include "ExpressionBuilder/BuilderSingleType.h"
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/Exceptions.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,6 @@ namespace {
 using Testing::buildFailure;
 using Testing::builtValue;
 using Testing::constant;
-using Testing::shown;
 using Testing::Value;
 using Testing::valueOf;
 

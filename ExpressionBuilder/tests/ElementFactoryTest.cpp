@@ -1,8 +1,9 @@
 #include "ExpressionBuilder/ElementFactory.h"
 
+#include "ExpressionBuilder/ElementVariable.h"
 #include "ExpressionBuilder/EmptyVariableCollection.h"
 #include "ExpressionBuilder/SimpleVariableCollection.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 
@@ -45,6 +46,25 @@ TEST(ElementFactoryTest, UnknownTypeCode_IsNotImplemented) {
   EXPECT_EQ(errorOf([] { makeBinary(BinaryOperator::Add, kSix, constant(1), constant(1)); }), message);
   EXPECT_EQ(errorOf([] { makeConditional(kZero, constant(true), constant(1), constant(1)); }), message);
   EXPECT_EQ(errorOf([] { makeConditional(kSix, constant(true), constant(1), constant(1)); }), message);
+}
+
+/// Reports a code that no value type has.
+class CodelessElement : public ElementVariable<int> {
+public:
+  explicit CodelessElement(ValueType type) : ElementVariable<int>("x"), m_type(type) {}
+  ValueType type() const override { return m_type; }
+
+private:
+  ValueType m_type;
+};
+
+TEST(ElementFactoryTest, MakeUnary_OperandWithUnknownTypeCode_IsNotImplemented) {
+  for (const ValueType type : {kZero, kSix}) {
+    for (const UnaryOperator operation : {UnaryOperator::Negate, UnaryOperator::LogicalNot}) {
+      EXPECT_EQ(errorOf([&] { makeUnary(operation, std::make_unique<CodelessElement>(type)); }),
+                "logic_error: Not implemented");
+    }
+  }
 }
 
 TEST(ElementFactoryTest, MissingOperand_Throws) {

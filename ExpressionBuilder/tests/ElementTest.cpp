@@ -7,11 +7,12 @@
 #include "ExpressionBuilder/Exceptions.h"
 #include "ExpressionBuilder/Operators.h"
 #include "ExpressionBuilder/SimpleVariableCollection.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -40,8 +41,8 @@ std::unique_ptr<Element<bool>> truth(bool value) {
 /// An application's own node: notes each evaluation.
 class NotingElement : public Element<double> {
 public:
-  NotingElement(std::string name, std::vector<std::string> &notes)
-      : m_name(std::move(name)), m_notes(&notes) {}
+  NotingElement(std::string name, std::vector<std::string> &notes, std::shared_ptr<int> token = nullptr)
+      : m_name(std::move(name)), m_notes(&notes), m_token(std::move(token)) {}
 
   ElementKind kind() const override { return static_cast<ElementKind>(100); }
   bool isConstant() const override { return false; }
@@ -63,6 +64,8 @@ public:
 private:
   std::string m_name;
   std::vector<std::string> *m_notes;
+  /// Lives as long as the node, for a test that watches it.
+  std::shared_ptr<int> m_token;
 };
 
 using Notes = std::vector<std::string>;
@@ -387,6 +390,19 @@ TEST(ElementTest, Clone_IsADeepCopy) {
   SimpleVariableCollection variables;
   variables.declare("b", constant(true));
   EXPECT_TRUE(valueOf(*copy, variables) == Value(2.0));
+}
+
+TEST(ElementTest, Destruction_ReleasesEveryChild) {
+  Notes notes;
+  const auto token = std::make_shared<int>(0);
+  const auto watched = [&] {
+    return std::make_unique<NotingElement>("a", notes, token);
+  };
+  std::unique_ptr<ElementAbstract> root = std::make_unique<ElementConditional<double>>(
+      truth(true), std::make_unique<Sum>(watched(), watched()), watched());
+  EXPECT_EQ(token.use_count(), 4);
+  root.reset();
+  EXPECT_EQ(token.use_count(), 1);
 }
 
 TEST(ElementTest, Clone_KeepsWhatIsConstant) {

@@ -3,7 +3,7 @@
 #include "ExpressionBuilder/BuilderSingleType.h"
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/EmptyVariableCollection.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 

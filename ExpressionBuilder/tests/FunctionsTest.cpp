@@ -1,6 +1,6 @@
 #include "ExpressionBuilder/Functions.h"
 
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <climits>
 #include <gtest/gtest.h>
@@ -209,6 +209,25 @@ TEST(FunctionsTest, FunctionTable_HasEveryNameWithItsOverloads) {
   }
   EXPECT_EQ(table["abs"].count({ValueType::LongLong}), 1U);
   EXPECT_EQ(table["clamp"].count({ValueType::Int, ValueType::Int, ValueType::Int}), 1U);
+}
+
+TEST(FunctionsTest, Construct_GivesAFunctionNodeThatOwnsTheArguments) {
+  const BuilderBase builder;
+  const ElementFunctionConstructorOverload<Maximum<int>, int, int> overload;
+  FunctionArguments arguments;
+  arguments.push_back(constant(1));
+  arguments.push_back(constant(2));
+  const ElementAbstract *const first = arguments[0].get();
+  const ElementAbstract *const second = arguments[1].get();
+  std::unique_ptr<ElementAbstract> node;
+  overload.construct(node, builder, arguments);
+  using Call = ElementFunctional<Maximum<int>, int, int>;
+  const auto *const call = dynamic_cast<const Call *>(node.get());
+  ASSERT_NE(call, nullptr);
+  EXPECT_EQ(call->argument<0>(), first);
+  EXPECT_EQ(call->argument<1>(), second);
+  EXPECT_EQ(arguments[0], nullptr);
+  EXPECT_EQ(arguments[1], nullptr);
 }
 
 TEST(FunctionsTest, Construct_WrongNumberOfArguments_Throws) {

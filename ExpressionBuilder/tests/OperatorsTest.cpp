@@ -1,5 +1,5 @@
 #include "ExpressionBuilder/ElementFactory.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <climits>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "ExpressionBuilder/BuilderBase.h"
 #include "ExpressionBuilder/Exceptions.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 

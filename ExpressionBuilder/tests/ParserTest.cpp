@@ -1,5 +1,5 @@
 #include "ExpressionBuilder/BuilderBase.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <climits>
 #include <gtest/gtest.h>
@@ -123,6 +123,13 @@ TEST(ParserTest, SignsAndNegation) {
   });
 }
 
+TEST(ParserTest, PrefixPlus_GivesItsOperandUnchanged) {
+  BuilderBase builder;
+  declareVariables(builder);
+  EXPECT_TRUE(builder.build("+%i%")->equals(*builder.build("%i%")));
+  EXPECT_TRUE(builder.build("+(1 < 2)")->equals(*constant(true)));
+}
+
 TEST(ParserTest, PrefixMinus_OfABool_IsUnsupported) {
   BuilderBase builder;
   EXPECT_EQ(Testing::buildFailure(builder, "-(1 < 2)").message, "Unsupported Operator");
@@ -181,6 +188,8 @@ TEST(ParserTest, Precedence) {
       {"2 >= 3", false},
       {"1 || 0 ? 2 : 3", 2},
       {"3 > 2 > 1", false},
+      {"3 > 2 > 0", true},
+      {"2 == 2 == 1", true},
       {"2 * -3", -6},
       {"6 / (1 + 2)", 2},
       {"((((7))))", 7},

@@ -1,7 +1,7 @@
 #include "ExpressionBuilder/BuilderSingleType.h"
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/Exceptions.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 

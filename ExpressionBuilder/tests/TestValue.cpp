@@ -1,4 +1,4 @@
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include "ExpressionBuilder/ElementFactory.h"
 #include "ExpressionBuilder/EmptyVariableCollection.h"

@@ -1,6 +1,6 @@
 #include "ExpressionBuilder/ValueType.h"
 
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "ExpressionBuilder/EmptyVariableCollection.h"
 #include "ExpressionBuilder/Exceptions.h"
 #include "ExpressionBuilder/SimpleVariableCollection.h"
-#include "TestValue.h"
+#include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 
@@ -146,6 +146,13 @@ TEST(VariableCollectionTest, Move_TakesTheDefinitions) {
   SimpleVariableCollection assigned;
   assigned = std::move(moved);
   EXPECT_TRUE(valueOf(*assigned.find("x")) == Value(2.5));
+}
+
+TEST(VariableCollectionTest, LookupErrors_AreRuntimeErrors) {
+  SimpleVariableCollection variables;
+  variables.declare("x", reference("x"));
+  EXPECT_EQ(errorOf([&] { valueOf(*reference("x"), variables); }), "Circular Dependency");
+  EXPECT_EQ(errorOf([&] { valueOf(*reference("y"), variables); }), "Missing Variable");
 }
 
 TEST(VariableCollectionTest, BeginLookup_UnknownName_ThrowsMissingVariableEachTime) {

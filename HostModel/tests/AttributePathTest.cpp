@@ -91,6 +91,7 @@ TEST(AttributePathTest, Hash_EqualPaths_AreOneKey) {
 TEST(AttributePathTest, Interning_FromSeveralThreads_GivesEqualPaths) {
   std::vector<AttributePath> paths(8);
   std::vector<std::thread> threads;
+  threads.reserve(paths.size());
   for (AttributePath &path : paths) {
     threads.emplace_back([&path] {
       for (int i = 0; i < 200; ++i) {

@@ -18,7 +18,6 @@ namespace {
 using EntityModel::ChangeSet;
 using EntityModel::Entity;
 using EntityModel::TypeRef;
-using TinyModel::Kind;
 
 // Writes down what it is told of, then reacts.
 class Listener : public Observer {

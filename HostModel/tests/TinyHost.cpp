@@ -56,9 +56,7 @@ std::string shown(const ProjectData::StoreLocation &store) {
 
 template <class... Arguments>
 void write(Script &script, const std::string &operation, const Arguments &...arguments) {
-  std::string line = operation;
-  ((line += ' ' + shown(arguments)), ...);
-  script.log.push_back(line);
+  script.log.push_back((operation + ... + (' ' + shown(arguments))));
 }
 
 void addChanges(const Script &script, ChangeSet *changes) {

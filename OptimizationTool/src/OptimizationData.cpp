@@ -106,6 +106,16 @@ OptimizationData::RunningOperationScope::~RunningOperationScope() {
   }
 }
 
+OptimizationData::RowsInUseScope::RowsInUseScope(OptimizationData &data) : m_data(&data) {
+  ++data.m_rowsInUse;
+}
+
+OptimizationData::RowsInUseScope::~RowsInUseScope() {
+  if (m_data && --m_data->m_rowsInUse == 0) {
+    m_data->m_takenRows.clear();
+  }
+}
+
 OptimizationData::EditingVersionsScope::EditingVersionsScope(OptimizationData &data)
     : m_data(&data), m_previous(data.m_isEditingVersions) {
   data.m_isEditingVersions = true;

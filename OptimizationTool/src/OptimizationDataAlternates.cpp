@@ -49,11 +49,6 @@ void OptimizationData::updateAlternates(UpdateTypes types, const std::vector<std
   do_updateAlternates(types, rows, progress);
 }
 
-void OptimizationData::updateAlternates(UpdateTypes types, std::initializer_list<std::size_t> variants,
-                                        Tools::ToolProgress *progress) {
-  updateAlternates(types, std::vector<std::size_t>(variants), progress);
-}
-
 void OptimizationData::updateAlternate(UpdateTypes types, const std::string &name) {
   updateAlternates(types, std::vector<std::string>{name}, nullptr);
 }
@@ -70,7 +65,9 @@ void OptimizationData::do_updateAlternates(UpdateTypes types,
     return;
   }
   const QPointer<OptimizationData> self(this);
+  const RowsInUseScope rowsInUse(*this);
   ModelVersion *remembered = currentVersion();
+  const std::string rememberedLabel = remembered == nullptr ? std::string() : remembered->getLabel();
   if (progress != nullptr) {
     progress->reset();
     progress->setText(tr("Updating Alternates from Matrix").toStdString());
@@ -81,7 +78,8 @@ void OptimizationData::do_updateAlternates(UpdateTypes types,
     }
   }
   for (std::size_t position = 0; position < variants.size(); ++position) {
-    if (OptimizationVariant *variant = variants[position]) {
+    OptimizationVariant *variant = variants[position];
+    if (variant != nullptr && !isTaken(variant)) {
       if (progress != nullptr) {
         progress->setText(tr("Updating Alternates from Matrix <%1>")
                               .arg(QString::fromStdString(variant->getName()))
@@ -102,6 +100,10 @@ void OptimizationData::do_updateAlternates(UpdateTypes types,
       }
     }
   }
+  // The version may have gone along with a row.
+  if (!m_takenRows.empty() && findVersion(rememberedLabel) != remembered) {
+    return;
+  }
   // The passes of one row tell the observers nothing, so neither does the way back.
   if (remembered != nullptr && currentVersion() != remembered) {
     const EditingVersionsScope editing(*this);
@@ -110,12 +112,16 @@ void OptimizationData::do_updateAlternates(UpdateTypes types,
 }
 
 void OptimizationData::do_updateAlternate(UpdateTypes types, OptimizationVariant *variant) {
-  if (variant == nullptr) {
+  if (variant == nullptr || isTaken(variant)) {
     return;
   }
   const EditingVersionsScope editing(*this);
   const QPointer<OptimizationData> self(this);
-  // The host gets a copy: the row may go, with the study, while the host is at work.
+  // The row may go while the host is at work, and with it its version, or the whole study.
+  const auto isGone = [&self, variant] {
+    return !self || self->isTaken(variant);
+  };
+  // The host gets a copy.
   const std::string name = variant->getName();
   ModelVersion *version = findVersion(name);
   if (version == nullptr) {
@@ -124,21 +130,21 @@ void OptimizationData::do_updateAlternate(UpdateTypes types, OptimizationVariant
   }
   if (m_changeManager->getCurrentVersion() != version) {
     m_changeManager->setCurrentVersion(version, nullptr, false, nullptr, true);
-    if (!self) {
+    if (isGone()) {
       return;
     }
   }
   version->setLabel(name);
-  if (!self) {
+  if (isGone()) {
     return;
   }
   if (types.testFlag(WriteToModel)) {
     const bool inputsWritten = writeRow(*variant, true);
-    if (!self) {
+    if (isGone()) {
       return;
     }
     const bool outputsWritten = writeRow(*variant, false);
-    if (!self) {
+    if (isGone()) {
       return;
     }
     EntityGUI::AbstractModelChecker *checker = EntityManager::getModelChecker();
@@ -147,7 +153,7 @@ void OptimizationData::do_updateAlternate(UpdateTypes types, OptimizationVariant
       m_inputGroups.addToChangeSet(changes);
       m_outputGroups.addToChangeSet(changes);
       checker->check(changes);
-      if (!self) {
+      if (isGone()) {
         return;
       }
     }
@@ -176,7 +182,7 @@ bool OptimizationData::writeRow(const OptimizationVariant &variant, bool isInput
         EntityModel::EntityEditor::setValue(attribute->getOwnerEntity(), attribute->getAttributePath(), text,
                                             false, nullptr, true, true);
         isWritten = true;
-        if (!self) {
+        if (!self || isTaken(&variant)) {
           return isWritten;
         }
       }

@@ -47,11 +47,15 @@ std::string OptimizationData::getCostFunction() const {
 }
 
 void OptimizationData::setCostFunction(const std::string &text) {
+  const QPointer<OptimizationData> self(this);
   if (!EntityEditor::setValue(m_studyEntity, AttributePath(EntityModel::CostFunction_t), text, false, nullptr,
                               true, true)) {
     return;
   }
   EntityGUI::EntityManager::setNeedsSave(true);
+  if (!self) {
+    return;
+  }
   updateCostCalculator();
   Q_EMIT costFunctionChanged();
 }

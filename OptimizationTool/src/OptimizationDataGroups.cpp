@@ -37,11 +37,15 @@ int OptimizationData::addGroup(bool isInput, Attribute *attribute) {
 }
 
 int OptimizationData::addGroup(bool isInput, Entity *entity, const AttributePath &path) {
+  const QPointer<OptimizationData> self(this);
   OptimizationGroup group = getGroups(isInput).appendGroup();
-  if (!group) {
+  if (!group || !self) {
     return -1;
   }
   group.appendVariable(entity, path);
+  if (!self) {
+    return -1;
+  }
   const Attribute *value = group.getAttribute(0);
   for (const auto &variant : m_variants) {
     if (variant != nullptr) {
@@ -53,8 +57,9 @@ int OptimizationData::addGroup(bool isInput, Entity *entity, const AttributePath
 }
 
 int OptimizationData::addGroupFromGroup(bool isInput, int sourceGroupIndex) {
+  const QPointer<OptimizationData> self(this);
   const OptimizationGroup group = getGroups(isInput).appendGroup();
-  if (!group) {
+  if (!group || !self) {
     return -1;
   }
   for (const auto &variant : m_variants) {
@@ -76,7 +81,11 @@ void OptimizationData::removeGroup(bool isInput, int groupIndex) {
   if (groupIndex > groups.size()) {
     throw std::out_of_range("OptimizationData::removeGroup: Group index out of range");
   }
+  const QPointer<OptimizationData> self(this);
   const bool isRemoved = groups.remove(groupIndex);
+  if (!self) {
+    return;
+  }
   // The cells go whatever the host answered. The matrix is not stored, so they are nothing to be saved.
   for (const auto &variant : m_variants) {
     if (variant == nullptr || groupIndex < 0) {
@@ -94,34 +103,37 @@ void OptimizationData::removeGroup(bool isInput, int groupIndex) {
 }
 
 void OptimizationData::removeFromGroup(bool isInput, Attribute *attribute) {
+  const QPointer<OptimizationData> self(this);
   OptimizationGroup group = getGroupContainingAttribute(isInput, attribute);
   if (attribute != nullptr && group) {
     group.removeVariable(attribute);
     EntityManager::setNeedsSave(true);
   }
-  if (group && !group.empty()) {
+  if (!self || (group && !group.empty())) {
     return;
   }
   removeGroup(isInput, group.getIndex());
 }
 
 void OptimizationData::removeFromGroup(Attribute *attribute) {
+  const QPointer<OptimizationData> self(this);
   if (m_inputGroups.containsAttribute(attribute)) {
     removeFromGroup(true, attribute);
   }
   // The input side again on purpose: hosts rely on this form leaving outputs in place.
-  if (m_outputGroups.containsAttribute(attribute)) {
+  if (self && m_outputGroups.containsAttribute(attribute)) {
     removeFromGroup(true, attribute);
   }
 }
 
 void OptimizationData::removeAttributeFromGroup(bool isInput, int flatIndex) {
+  const QPointer<OptimizationData> self(this);
   const auto [group, variable] = getGroupAndVariable(isInput, flatIndex);
   if (variable) {
     EntityEditor::deleteEntity(variable.get(), false, true);
     EntityManager::setNeedsSave(true);
   }
-  if (group && !group.empty()) {
+  if (!self || (group && !group.empty())) {
     return;
   }
   removeGroup(isInput, group.getIndex());
@@ -131,11 +143,12 @@ void OptimizationData::moveAttribute(bool isInput, int fromGroup, int indexInGro
   if (fromGroup == toGroup) {
     throw std::logic_error("OptimizationData::moveAttribute: Can't move attribute to same group");
   }
+  const QPointer<OptimizationData> self(this);
   OptimizationGroups &groups = getGroups(isInput);
   if (groups.moveVariable(fromGroup, indexInGroup, toGroup, false)) {
     EntityManager::setNeedsSave(true);
   }
-  if (groups.getGroup(fromGroup).empty()) {
+  if (self && groups.getGroup(fromGroup).empty()) {
     removeGroup(isInput, fromGroup);
   }
 }

@@ -7,6 +7,7 @@
 #include "HostModel/ProjectStore.h"
 #include "OptimizationTool/OptimizationData.h"
 
+#include <algorithm>
 #include <limits>
 #include <map>
 #include <stdexcept>
@@ -66,6 +67,23 @@ OptimizationVariant *OptimizationData::getVariant(const std::string &name) {
   return m_variants.get(name);
 }
 
+void OptimizationData::takeRow(const OptimizationVariant *row) {
+  const auto found = std::find_if(m_variants.begin(), m_variants.end(),
+                                  [row](const auto &variant) { return variant.get() == row; });
+  if (found == m_variants.end()) {
+    return;
+  }
+  if (m_rowsInUse > 0) {
+    m_takenRows.push_back(std::move(*found));
+  }
+  m_variants.erase(found);
+}
+
+bool OptimizationData::isTaken(const OptimizationVariant *row) const {
+  return std::any_of(m_takenRows.begin(), m_takenRows.end(),
+                     [row](const auto &taken) { return taken.get() == row; });
+}
+
 bool OptimizationData::containsVariant(const std::string &name) {
   return getVariant(name) != nullptr;
 }
@@ -121,7 +139,7 @@ std::string OptimizationData::chooseVariantName(const std::string &name) const {
   }
   for (int number = 1; number < std::numeric_limits<int>::max(); ++number) {
     const std::string candidate = getDefaultAlternateVersionName(number);
-    const std::string unique = m_changeManager->getUniqueName(candidate, noFurtherNames);
+    std::string unique = m_changeManager->getUniqueName(candidate, noFurtherNames);
     // A host that gives no name at all refuses; asking on would never end.
     if (unique == candidate || unique.empty()) {
       return unique;
@@ -234,6 +252,9 @@ void OptimizationData::removeVariant(std::size_t variant, bool destroyVersion) {
     throw std::out_of_range("OptimizationData::removeVariant: removeVariant called on baseline");
   }
   const QPointer<OptimizationData> self(this);
+  // By then the row may have another index: whoever is told of the destruction may remove rows too.
+  const RowsInUseScope rowsInUse(*this);
+  const OptimizationVariant *row = getVariant(variant);
   ModelVersion *version = findVersion(getVariantName(variant));
   if (version != nullptr && destroyVersion) {
     ChangeSet changes;
@@ -253,7 +274,7 @@ void OptimizationData::removeVariant(std::size_t variant, bool destroyVersion) {
       return;
     }
   }
-  m_variants.erase(variant);
+  takeRow(row);
   EntityManager::setNeedsSave(true);
 }
 

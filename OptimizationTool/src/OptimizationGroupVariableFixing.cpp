@@ -89,7 +89,9 @@ void fixBounds(OptimizationGroupVariable variable) {
   if (attribute == nullptr) {
     return;
   }
-  if (isAbove(toScratchValue(*attribute, lowText), toScratchValue(*attribute, highText))) {
+  const std::unique_ptr<Attribute> low = toScratchValue(*attribute, lowText);
+  const std::unique_ptr<Attribute> high = toScratchValue(*attribute, highText);
+  if (isAbove(low, high)) {
     variable.setHighBoundValue(lowText);
   }
 }

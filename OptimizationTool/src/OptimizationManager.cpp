@@ -151,15 +151,17 @@ void OptimizationManager::initializeVersion() {
 
 void OptimizationManager::beginStudy(ModelVersionStudyType type) {
   ModelVersion *version = currentVersion();
-  if (version == nullptr || version->getStudyType() != ModelVersionStudyType::None) {
+  if (version != nullptr && version->getStudyType() != ModelVersionStudyType::None) {
     return;
   }
   clearOptimizationData();
-  version->setStudyType(type);
+  if (version != nullptr) {
+    version->setStudyType(type);
+  }
   m_data = createOptimizationData(this);
   if (m_data != nullptr) {
     m_data->initializeVariants(true, nullptr);
-  } else {
+  } else if (version != nullptr) {
     version->setStudyType(ModelVersionStudyType::None);
   }
   EntityManager::setNeedsSave(true);
@@ -179,14 +181,15 @@ void OptimizationManager::endStudy(bool deleteVersions) {
   ChangeManager *manager = EntityManager::getChangeManager();
   std::vector<ModelVersion *> toDestroy;
   if (baseline != nullptr && manager != nullptr) {
-    const ModelVersion *root = manager->getRootVersion(true);
     for (auto next = baseline->beginNext(); next != baseline->endNext(); ++next) {
       ModelVersion *following = *next;
       if (following == nullptr) {
         continue;
       }
-      if (deleteVersions && following != root) {
+      if (deleteVersions && following != manager->getRootVersion(true)) {
         toDestroy.push_back(following);
+        // The answer is not needed; hosts see from the question which version's folder is about to go.
+        manager->getVersionFolder(following, false);
       } else {
         releaseFromStudy(*following);
       }

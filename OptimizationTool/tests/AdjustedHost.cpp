@@ -157,7 +157,7 @@ public:
   }
   std::string getVersionFolder(ModelVersion *version, bool /*create*/) override {
     if (!m_host.folderAnswers.empty()) {
-      const std::string answer = m_host.folderAnswers.front();
+      std::string answer = m_host.folderAnswers.front();
       m_host.folderAnswers.erase(m_host.folderAnswers.begin());
       return answer;
     }

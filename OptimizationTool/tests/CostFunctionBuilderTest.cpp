@@ -1,5 +1,6 @@
 #include "OptimizationTool/CostFunctionBuilder.h"
 
+#include "ExpressionBuilder/BuilderSingleType.h"
 #include "ExpressionBuilder/ElementConstant.h"
 #include "ExpressionBuilder/Expression.h"
 #include "OptimizationTool/OptimizationData.h"
@@ -289,6 +290,7 @@ TEST_F(CostFunctionBuilderTest, Create_ChangesNothingInTheModel) {
 
 TEST_F(CostFunctionBuilderTest, GetFunctionNames_AreThoseThatAnExpressionMayCall) {
   const Names names = builder.getFunctionNames();
+  EXPECT_EQ(names, ExpressionBuilder::BuilderSingleType<double>().functionNames());
   EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
   for (const char *name : {"sqrt", "mod", "clamp", "max"}) {
     EXPECT_EQ(std::count(names.begin(), names.end(), name), 1) << name;

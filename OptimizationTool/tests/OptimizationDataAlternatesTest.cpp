@@ -182,6 +182,28 @@ TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_RowNamedTwice_IsUpdatedT
   EXPECT_EQ(updatedRows(), (Texts{"A", "A"}));
 }
 
+TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_IntegerLiterals_AreIndices) {
+  data().updateAlternates(kRead, {1, 1}, nullptr);
+  EXPECT_EQ(updatedRows(), (Texts{"A", "A"}));
+  study.host().clear();
+
+  data().updateAlternates(kRead, {0, 0}, nullptr);
+  EXPECT_EQ(updatedRows(), (Texts{"Base", "Base"}));
+  study.host().clear();
+
+  data().updateAlternates(kRead, {-1, 2, 3}, nullptr);
+  EXPECT_EQ(updatedRows(), (Texts{"B"}));
+}
+
+TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_EmptyBraces_AreAListWithoutRows) {
+  RecordingProgress progress;
+
+  data().updateAlternates(kWrite | kRead, {}, &progress);
+
+  EXPECT_EQ(progress.texts(), (Texts{"isRunning()", "isRunning()"}));
+  EXPECT_EQ(study.host().texts(), Texts());
+}
+
 TEST_F(OptimizationDataAlternatesTest, UpdateAlternate_ByName_UpdatesOneRow) {
   data().updateAlternate(kRead, "B");
 
@@ -234,6 +256,15 @@ TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_FlagOne_NeitherReadsOutp
   study.project().setModelChecker(nullptr);
 }
 
+TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_FlagOne_LeavesTheCostAsItIs) {
+  data().setCostFunction("%Fan.Power%");
+  data().clearCosts(1);
+
+  data().updateAlternate(kWrite, 1);
+
+  EXPECT_EQ(data().getVariantCost(1), std::nullopt);
+}
+
 TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_FlagTwo_ReadsOutputsAndPricesAndWritesNothing) {
   data().setCostFunction("%Fan.Speed% + %Fan.Power%");
   ListeningChecker checker;
@@ -265,6 +296,16 @@ TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_NoFlag_VisitsTheRowsOnly
   EXPECT_EQ(calls("EntityEditor::setValue"), Texts());
   EXPECT_EQ(study.cells(1), (Texts{"11", "21", "100", "50"}));
   EXPECT_EQ(calls("EntityManager::setNeedsSave"), (Texts{"EntityManager::setNeedsSave(true)"}));
+}
+
+TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_OutputGroupOfTwo_TakesItsFirstVariable) {
+  data().getGroup(false, 0).appendVariable(study.attribute(study.pump(), "Power"));
+  study.setValueIn("A", study.fan(), "Power", "333");
+  study.setValueIn("A", study.pump(), "Power", "444");
+
+  data().updateAlternate(kRead, 1);
+
+  EXPECT_EQ(study.cells(1), (Texts{"11", "21", "333", "50"}));
 }
 
 TEST_F(OptimizationDataAlternatesTest, UpdateAlternates_OutputIsUnset_UnsetsTheCellAndClearsTheCost) {

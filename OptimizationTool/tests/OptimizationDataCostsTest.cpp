@@ -4,6 +4,8 @@
 #include "HostModel/TypeConstants.h"
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/tests/AdjustedHost.h"
+#include "OptimizationTool/tests/RecordedStudy.h"
+#include "OptimizationTool/tests/ScriptedModel.h"
 #include "OptimizationTool/tests/StudyDataFixture.h"
 
 #include <algorithm>
@@ -50,6 +52,15 @@ protected:
   void addGroupBehindTheMatrix(bool isInput, const std::string &attributeName) {
     OptimizationGroup group = data().getGroups(isInput).appendGroup();
     group.appendVariable(attribute(attributeName));
+  }
+  /// Makes a study of the version "Base" with these input groups, which know of no list that holds them.
+  static void script(StudyTesting::ScriptedEntity &study, const std::string &costFunction,
+                     const std::vector<EntityModel::Entity *> &inputs) {
+    using StudyTesting::ScriptedAttribute;
+    study.add(AttributePath(EntityModel::BaseVersionName_t), std::make_unique<ScriptedAttribute>("Base"));
+    study.add(AttributePath(EntityModel::CostFunction_t), std::make_unique<ScriptedAttribute>(costFunction));
+    study.add(AttributePath(EntityModel::OptimizationInputs_t),
+              std::make_unique<StudyTesting::ScriptedList>(inputs));
   }
 };
 
@@ -129,6 +140,17 @@ TEST_F(OptimizationDataCostsTest, SetCostFunction_ExceptionOfTheHost_PassesBefor
   EXPECT_EQ(thrownBy([this] { data().setCostFunction("1 +"); }), "std::runtime_error: injected fault");
   EXPECT_EQ(costs(), Costs({10.0, 20.0, 30.0}));
   EXPECT_EQ(listener.count(), 0);
+}
+
+// The address sanitizer watches over the data that are gone.
+TEST(OptimizationDataCostsLivenessTest, SetCostFunction_StudyEndsMeanwhile_StopsQuietly) {
+  for (const char *operation : {"EntityEditor::setValue", "EntityManager::setNeedsSave"}) {
+    StudyTesting::RecordedStudy study;
+    study.begin();
+    study.hooked().runBefore(operation, [&] { study.drop(); });
+    EXPECT_NO_THROW(study.data().setCostFunction("%Fan.Speed%"));
+    EXPECT_FALSE(study.isAlive()) << operation;
+  }
 }
 
 TEST_F(OptimizationDataCostsTest, SetCostFunction_TextThatCannotBeRead_ClearsTheCosts) {
@@ -354,7 +376,7 @@ TEST_F(OptimizationDataCostsTest, Pricing_RootAttribute_IsFoundByItsMacro) {
   ASSERT_EQ(data().getVariable(true, 0).getDisplayName(), "Load");
   data().setCostFunction("%" + macro + "%");
   EXPECT_EQ(data().getLastCostFunctionError(), "");
-  EXPECT_EQ(costs(), Costs({2.0}));
+  EXPECT_EQ(costs(), Costs{2.0});
 }
 
 TEST_F(OptimizationDataCostsTest, Pricing_GroupWithoutVariables_IsTheVariableWithTheEmptyName) {
@@ -363,6 +385,50 @@ TEST_F(OptimizationDataCostsTest, Pricing_GroupWithoutVariables_IsTheVariableWit
   data().setCostFunction("%% + %FanA.Blades%");
   EXPECT_EQ(data().getLastCostFunctionError(), "");
   EXPECT_EQ(costs(), Costs({15.0, 26.0, 37.0}));
+}
+
+TEST_F(OptimizationDataCostsTest, Pricing_OfGroupsWithOneMacro_TheLastOneCounts) {
+  begin();
+  addInput("FanA.Ratio");
+  addInput("FanA.Ratio");
+  addOutput("FanA.Ratio");
+  data().setVariantValue(0, 0, "7");
+  setIn("Base", "FanA.Ratio", "9");
+  data().updateAlternate(OptimizationData::ReadFromModel, 0);
+  ASSERT_EQ(row(true, 0), Strings({"7", "1"}));
+  ASSERT_EQ(row(false, 0), Strings({"9"}));
+  data().setCostFunction("%FanA.Ratio%");
+  EXPECT_EQ(costs(), Costs{9.0});
+  data().removeGroup(false, 0);
+  data().setCostFunction("%FanA.Ratio%");
+  EXPECT_EQ(costs(), Costs{1.0});
+}
+
+TEST_F(OptimizationDataCostsTest, Pricing_MissingGroup_IsTheVariableWithTheEmptyName) {
+  StudyTesting::ScriptedEntity study;
+  script(study, "1.5", {nullptr});
+  OptimizationData alone(&study, nullptr);
+  EXPECT_EQ(thrownBy([&] { alone.initializeVariants(nullptr); }),
+            "std::out_of_range: Variable does not exist");
+  EXPECT_EQ(alone.getVariantCost(0), std::nullopt);
+
+  const auto empty = StudyTesting::makeScriptedGroup({});
+  StudyTesting::ScriptedEntity studyWithAnEmptyGroup;
+  script(studyWithAnEmptyGroup, "%% + 1.5", {nullptr, empty.get()});
+  OptimizationData both(&studyWithAnEmptyGroup, nullptr);
+  both.initializeVariants(nullptr);
+  EXPECT_EQ(both.getVariantCost(0), 1.5);
+}
+
+TEST_F(OptimizationDataCostsTest, Pricing_GroupThatNoListHolds_CountsAsZero) {
+  const auto variable = StudyTesting::makeScriptedVariable(fan("FanA"), "Blades");
+  const auto group = StudyTesting::makeScriptedGroup({variable.get()});
+  StudyTesting::ScriptedEntity entity;
+  script(entity, "%FanA.Blades% + 1.5", {group.get()});
+  OptimizationData study(&entity, nullptr);
+  study.initializeVariants(nullptr);
+  ASSERT_NE(study.getVariantGroup(true, 0, 0), nullptr);
+  EXPECT_EQ(study.getVariantCost(0), 1.5);
 }
 
 TEST_F(OptimizationDataCostsTest, Pricing_GroupAddedSinceTheBuild_ThrowsAndKeepsTheCosts) {
@@ -513,6 +579,14 @@ TEST_F(OptimizationDataCostsTest, TakesPart_UnnamedGroup_ByTheDisplayNameOfItsFi
   EXPECT_FALSE(data().isVariableInCostFunction(0, true));
 }
 
+TEST_F(OptimizationDataCostsTest, TakesPart_RootAttribute_ByItsDisplayNameNotItsMacro) {
+  begin();
+  addInput("Load");
+  ASSERT_NE(data().getVariable(true, 0).getAttributeMacro(), "Load");
+  data().setCostFunction("Load + 1.0");
+  EXPECT_TRUE(data().isVariableInCostFunction(0, true));
+}
+
 TEST_F(OptimizationDataCostsTest, TakesPart_TakesTheGroupFirstAndTheSideSecond) {
   beginWithRows();
   data().setCostFunction("%FanA.Noise%");
@@ -555,6 +629,24 @@ TEST_F(OptimizationDataCostsTest, Target_IsStoredInTheStudyEntity) {
   data().setOptimisationTarget(OptimisationStrategy::Maximise);
   EXPECT_EQ(data().getOptimisationTarget(), OptimisationStrategy::Maximise);
   EXPECT_EQ(project().attribute(data().get(), "OptimisationTarget")->getValueAsString(), "Maximise");
+}
+
+TEST_F(OptimizationDataCostsTest, Target_OfAnotherType_IsNone) {
+  class OtherType final : public StudyTesting::ScriptedTypeAttribute {
+  public:
+    OtherType() : ScriptedTypeAttribute(0) {}
+    EntityModel::TypeRef getTypeValue() const override { return EntityModel::OptimizationGroup_t; }
+  };
+  StudyTesting::ScriptedEntity entity;
+  entity.add(AttributePath(EntityModel::OptimisationTarget_t), std::make_unique<OtherType>());
+  const OptimizationData study(&entity, nullptr);
+  EXPECT_EQ(study.getOptimisationTarget(), OptimisationStrategy::None);
+}
+
+TEST_F(OptimizationDataCostsTest, SetTarget_WithoutStudyEntity_DoesNothing) {
+  OptimizationData study(nullptr, nullptr);
+  study.setOptimisationTarget(OptimisationStrategy::Minimise);
+  EXPECT_EQ(study.getOptimisationTarget(), OptimisationStrategy::None);
 }
 
 TEST_F(OptimizationDataCostsTest, SetTarget_SetsTheMemberWithoutThrowingAndMarksTheProject) {

@@ -410,6 +410,23 @@ TEST_F(OptimizationDataGroupQueriesTest, Column_OfRowsWithoutThatCell_HoldsNulls
             std::vector<Attribute *>({nullptr, nullptr, nullptr}));
 }
 
+TEST_F(OptimizationDataGroupQueriesTest, Column_OfAGroupThatNoListHolds_HoldsNulls) {
+  const auto variable = StudyTesting::makeScriptedVariable(fan("FanA"), "Blades");
+  const auto group = StudyTesting::makeScriptedGroup({variable.get()});
+  StudyTesting::ScriptedEntity entity;
+  entity.add(AttributePath(EntityModel::BaseVersionName_t),
+             std::make_unique<StudyTesting::ScriptedAttribute>("Base"));
+  entity.add(AttributePath(EntityModel::OptimizationInputs_t),
+             std::make_unique<StudyTesting::ScriptedList>(std::vector<EntityModel::Entity *>{group.get()}));
+  OptimizationData study(&entity, nullptr);
+  study.initializeVariants(nullptr);
+  ASSERT_NE(study.getVariantGroup(true, 0, 0), nullptr);
+  EXPECT_EQ(study.getAllVariantGroupAttributes(true, fan("FanA"), AttributePath("Blades")),
+            std::vector<Attribute *>({nullptr}));
+  EXPECT_EQ(study.getAllVariantGroupAttributes(fan("FanA"), AttributePath("Blades")),
+            std::vector<Attribute *>({nullptr}));
+}
+
 TEST_F(OptimizationDataGroupQueriesTest, Column_WithoutRows_IsEmpty) {
   beginWithRows();
   reconstruct();

@@ -2,9 +2,12 @@
 #include "HostModel/EntityEditor.h"
 #include "HostModel/TypeConstants.h"
 #include "OptimizationTool/OptimizationData.h"
+#include "OptimizationTool/tests/RecordedStudy.h"
+#include "OptimizationTool/tests/ScriptedModel.h"
 #include "OptimizationTool/tests/StudyDataFixture.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -14,7 +17,6 @@ using HostTesting::FaultKind;
 using HostTesting::FaultyHost;
 using HostTesting::RecordingHost;
 using OptimizationTool::OptimizationData;
-using OptimizationTool::OptimizationGroup;
 using OptimizationTool::OptimizationGroupVariable;
 using StudyTesting::kNoCell;
 using StudyTesting::thrownBy;
@@ -475,6 +477,23 @@ TEST_F(OptimizationDataGroupsTest, RemoveAttribute_NegativeIndex_RemovesAFirstGr
   EXPECT_EQ(row(true, 1), Strings({"6", "2"}));
 }
 
+TEST_F(OptimizationDataGroupsTest, RemoveAttribute_EmptyGroupThatNoListHolds_RemovesNoCell) {
+  const auto empty = StudyTesting::makeScriptedGroup({});
+  const auto variable = StudyTesting::makeScriptedVariable(fan("FanA"), "Blades");
+  const auto group = StudyTesting::makeScriptedGroup({variable.get()});
+  StudyTesting::ScriptedEntity entity;
+  entity.add(AttributePath(EntityModel::BaseVersionName_t),
+             std::make_unique<StudyTesting::ScriptedAttribute>("Base"));
+  entity.add(AttributePath(EntityModel::OptimizationInputs_t),
+             std::make_unique<StudyTesting::ScriptedList>(
+                 std::vector<EntityModel::Entity *>{empty.get(), group.get()}));
+  OptimizationData study(&entity, nullptr);
+  study.initializeVariants(nullptr);
+  ASSERT_EQ(study.variantStandardVal(true, 0), Values({5}));
+  study.removeAttributeFromGroup(true, -1);
+  EXPECT_EQ(study.variantStandardVal(true, 0), Values({5}));
+}
+
 TEST_F(OptimizationDataGroupsTest, MoveAttribute_TheOnlyVariable_RemovesTheSourceGroupAndItsColumn) {
   beginWithRows();
   data().moveAttribute(true, 0, 0, 2);
@@ -634,6 +653,41 @@ TEST_F(OptimizationDataGroupsTest, SetGroupName_OutOfRange_ThrowsAndChangesNothi
   EXPECT_EQ(recording.texts(), Strings());
   OptimizationData withoutEntity(nullptr, nullptr);
   EXPECT_EQ(thrownBy([&] { withoutEntity.setGroupName(true, 0, "x"); }), error);
+}
+
+// The address sanitizer watches over the data that are gone.
+TEST(OptimizationDataGroupsLivenessTest, StudyEndsInsideAnyCall_TheEditStopsQuietly) {
+  using StudyTesting::RecordedStudy;
+  const std::vector<std::function<void(RecordedStudy &)>> edits = {
+      [](RecordedStudy &study) { study.data().addGroup(true, study.attribute(study.pump(), "Angle")); },
+      [](RecordedStudy &study) { study.data().addGroupFromGroup(true, 0); },
+      [](RecordedStudy &study) { study.data().removeGroup(true, 0); },
+      [](RecordedStudy &study) { study.data().removeFromGroup(true, study.attribute(study.fan(), "Angle")); },
+      [](RecordedStudy &study) { study.data().removeFromGroup(study.attribute(study.fan(), "Angle")); },
+      [](RecordedStudy &study) { study.data().removeAttributeFromGroup(true, 2); },
+      [](RecordedStudy &study) { study.data().moveAttribute(true, 1, 0, 0); },
+  };
+  for (std::size_t edit = 0; edit < edits.size(); ++edit) {
+    bool isEnded = true;
+    for (int number = 1; isEnded; ++number) {
+      SCOPED_TRACE(testing::Message() << "edit " << edit << ", call " << number);
+      RecordedStudy study;
+      study.begin();
+      study.addRow("A", "11", "21");
+      std::size_t callsAtEnd = 0;
+      study.hooked().runBefore(number, [&] {
+        callsAtEnd = study.host().texts().size();
+        study.drop();
+      });
+      EXPECT_NO_THROW(edits[edit](study));
+      isEnded = !study.isAlive();
+      EXPECT_TRUE(isEnded || number > 1);
+      const Strings calls = study.host().texts();
+      for (std::size_t call = callsAtEnd; isEnded && call < calls.size(); ++call) {
+        EXPECT_NE(calls[call].rfind("EntityEditor::deleteEntity", 0), 0U) << calls[call];
+      }
+    }
+  }
 }
 
 } // namespace

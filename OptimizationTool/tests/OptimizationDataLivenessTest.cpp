@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 #include <set>
@@ -225,7 +226,7 @@ TEST_P(EndedStudyTest, StudyEndsInsideAnyCall_TheOperationStopsQuietly) {
     EXPECT_FALSE(study.isAlive());
     ASSERT_GE(callsAtEnd, 1U);
     const Texts texts = study.host().texts();
-    const std::string last = texts[callsAtEnd - 1];
+    const std::string &last = texts[callsAtEnd - 1];
     SCOPED_TRACE(last);
     for (std::size_t call = callsAtEnd; call < texts.size(); ++call) {
       EXPECT_TRUE(belongTogether(last, texts[call])) << texts[call];
@@ -327,6 +328,141 @@ TEST(OptimizationDataLivenessTest, ProgressEndsTheStudy_LoadingStopsQuietly) {
     EXPECT_FALSE(study.isAlive());
     EXPECT_EQ(study.host().texts().size(), callsAtEnd);
   }
+}
+
+Texts rowNames(RecordedStudy &study) {
+  Texts names;
+  for (std::size_t row = 0; row < study.data().getNumVariants(); ++row) {
+    names.push_back(study.data().getVariantName(row));
+  }
+  return names;
+}
+
+TEST(OptimizationDataLivenessTest, RowGoesInsideAnyCall_ThePassLeavesItAndGoesOn) {
+  int count = 0;
+  for (int number = 0; number <= count; ++number) {
+    RecordedStudy study;
+    begin(study);
+    ListeningChecker checker;
+    study.project().setModelChecker(&checker);
+    study.host().clear();
+    std::size_t callsAtEnd = 0;
+    study.hooked().runBefore(number, [&study, &callsAtEnd] {
+      study.data().removeVariant(1, false);
+      callsAtEnd = study.host().texts().size();
+    });
+
+    EXPECT_NO_THROW(study.data().updateAlternates(kWrite | kRead, nullptr));
+
+    study.project().setModelChecker(nullptr);
+    const Texts texts = study.host().texts();
+    if (number == 0) {
+      // The pass that nobody disturbs: three rows, two switches and the way back.
+      count = study.hooked().count();
+      EXPECT_EQ(count, 27);
+      continue;
+    }
+    SCOPED_TRACE(number);
+    ASSERT_GE(callsAtEnd, 1U);
+    EXPECT_EQ(rowNames(study), (Texts{"Base", "B"}));
+    EXPECT_EQ(study.currentLabel(), "Base");
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), R"(ModelVersion::setLabel("B", "B"))"), 1);
+    for (std::size_t call = callsAtEnd; call < texts.size(); ++call) {
+      EXPECT_EQ(texts[call].find("\"A\""), std::string::npos) << texts[call];
+      EXPECT_EQ(texts[call].find("\"11\""), std::string::npos) << texts[call];
+    }
+  }
+}
+
+TEST(OptimizationDataLivenessTest, ObserverRemovesRowsWithTheirVersions_ThePassGoesOnWithTheOthers) {
+  for (const std::string &removed : Texts{"A", "B"}) {
+    for (int number = 1; number <= 3; ++number) {
+      SCOPED_TRACE(removed + std::to_string(number));
+      RecordedStudy study;
+      begin(study);
+      study.addRow("C", "13", "23");
+      int notifications = 0;
+      const VersionListener listener([&](const std::string &) {
+        if (++notifications == number) {
+          study.data().removeVariant(study.data().getVariantIndex(removed).value(), true);
+        }
+      });
+
+      EXPECT_NO_THROW(study.data().updateAlternates(kWrite | kRead, nullptr));
+
+      EXPECT_EQ(rowNames(study), removed == "A" ? (Texts{"Base", "B", "C"}) : (Texts{"Base", "A", "C"}));
+      EXPECT_EQ(study.currentLabel(), "Base");
+      EXPECT_EQ(study.cells(2), (Texts{"13", "23", "100", "50"}));
+      EXPECT_EQ(study.valueIn("C", study.fan(), "Speed"), "13");
+    }
+  }
+}
+
+TEST(OptimizationDataLivenessTest, RowOfTheVersionThatWasCurrentGoes_ThePassEndsWhereItIs) {
+  RecordedStudy study;
+  begin(study);
+  study.show("A");
+  study.host().clear();
+  bool isRemoved = false;
+  const VersionListener listener([&](const std::string &) {
+    if (!isRemoved) {
+      isRemoved = true;
+      study.data().removeVariant(1, true);
+    }
+  });
+
+  EXPECT_NO_THROW(study.data().updateAlternates(kRead, nullptr));
+
+  EXPECT_EQ(rowNames(study), (Texts{"Base", "B"}));
+  EXPECT_EQ(study.currentLabel(), "B");
+  EXPECT_EQ(study.host().texts().back(), R"(ChangeManager::findVersion("A", entity=null))");
+}
+
+TEST(OptimizationDataLivenessTest, ProgressRemovesARow_ItIsNeitherShownNorUpdated) {
+  RecordedStudy study;
+  begin(study);
+  // The fifth call is the text of row 0, the seventh that of row 1.
+  EndingProgress progress(7, [&study] { study.data().removeVariant(1, false); });
+  study.host().clear();
+
+  study.data().updateAlternates(kRead, &progress);
+
+  EXPECT_EQ(rowNames(study), (Texts{"Base", "B"}));
+  const Texts texts = study.host().texts();
+  EXPECT_EQ(std::count(texts.begin(), texts.end(), R"(ModelVersion::setLabel("A", "A"))"), 0);
+}
+
+TEST(OptimizationDataLivenessTest, RemoveVariant_ObserverRemovesAnEarlierRow_EachRemovesItsOwn) {
+  RecordedStudy study;
+  begin(study);
+  study.addRow("C", "13", "23");
+  bool isRemoved = false;
+  const VersionListener listener([&](const std::string &) {
+    if (!isRemoved) {
+      isRemoved = true;
+      study.data().removeVariant(1, true);
+    }
+  });
+
+  study.data().removeVariant(2, true);
+
+  EXPECT_EQ(rowNames(study), (Texts{"Base", "C"}));
+}
+
+TEST(OptimizationDataLivenessTest, RemoveVariant_ObserverRemovesTheSameRow_NoOtherRowGoes) {
+  RecordedStudy study;
+  begin(study);
+  bool isRemoved = false;
+  const VersionListener listener([&](const std::string &) {
+    if (!isRemoved) {
+      isRemoved = true;
+      study.data().removeVariant(1, false);
+    }
+  });
+
+  study.data().removeVariant(1, true);
+
+  EXPECT_EQ(rowNames(study), (Texts{"Base", "B"}));
 }
 
 TEST(OptimizationDataLivenessTest, StudyIsReplacedInsideASwitch_TheNewOneIsLeftAlone) {

@@ -260,6 +260,25 @@ TEST_F(OptimizationDataLoadingTest, InitializeVariants_AlternateIsNoStudyCase_Is
   EXPECT_EQ(rows(), (Texts{"Base", "B"}));
 }
 
+TEST_F(OptimizationDataLoadingTest,
+       InitializeVariants_AsksWhetherTheAlternatesAreStudyCasesThroughTheirCopy) {
+  beginWithRows();
+  study.reopen();
+  study.host().record("ModelVersion::isStudyCase");
+
+  study.data().initializeVariants(nullptr);
+
+  Texts asked = study.host().texts();
+  asked.erase(
+      std::remove_if(asked.begin(), asked.end(),
+                     [](const std::string &text) { return text.find("isStudyCase") == std::string::npos; }),
+      asked.end());
+  EXPECT_EQ(asked, (Texts{
+                       R"(ModelVersion::isStudyCase("A", throughAlternate=true, anyRelation=false))",
+                       R"(ModelVersion::isStudyCase("B", throughAlternate=true, anyRelation=false))",
+                   }));
+}
+
 TEST_F(OptimizationDataLoadingTest, InitializeVariants_CopyNameIsMissing_RecoversTheDefaultOne) {
   beginWithRows();
   study.data().setCopyVersionName("");

@@ -200,7 +200,7 @@ protected:
   static QString storeOf(const std::string &label) {
     const ProjectData::ProjectStore store(EntityGUI::EntityManager::s_CurrentFilename,
                                           changeManager().getVersionFolder(version(label), true));
-    const QString directory = QString::fromStdString(store.getStoreDirectoryName());
+    QString directory = QString::fromStdString(store.getStoreDirectoryName());
     QDir().mkpath(directory);
     return directory;
   }

@@ -156,6 +156,30 @@ TEST_F(AddVariantTest, AddVariant_AnotherVersionWasCurrent_ComesBackToItAndNames
       }));
 }
 
+TEST_F(AddVariantTest, AddVariant_WayBack_NamesTheChangesOfTheWayBackOnly) {
+  study.begin();
+  study.addVersion("Other", "Base");
+  study.setValueIn("Other", study.fan(), "Angle", "21");
+  study.show("Other");
+  study.host().clear();
+
+  study.data().addVariant({"10", "21"}, "A", kAtEnd);
+
+  Texts notifications;
+  for (const std::string &text : study.host().texts()) {
+    if (text.rfind("ObserverManager", 0) == 0) {
+      notifications.push_back(text);
+    }
+  }
+  // There the angle changes from 21 to 20; back again nothing does, since the row has an angle of 21 by then.
+  EXPECT_EQ(
+      notifications,
+      (Texts{
+          R"(ObserverManager::broadcastChangedVersion(changes[Fan.Angle], Root, "Other", reload=false, toSender=true))",
+          R"(ObserverManager::broadcastChangedVersion(changes, Root, "Other", reload=false, toSender=true))",
+      }));
+}
+
 TEST_F(AddVariantTest, AddVariant_WrongNumberOfValues_IsZeroAndChangesNothing) {
   study.begin();
   const std::vector<std::string> none;

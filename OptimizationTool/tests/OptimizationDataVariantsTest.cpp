@@ -306,6 +306,17 @@ TEST_F(OptimizationDataVariantsTest, LoadedRow_FirstVariableOfAnInputGroupIsGone
   EXPECT_EQ(study.cells(0), (Texts{"20", "-", "50"}));
 }
 
+TEST_F(OptimizationDataVariantsTest, LoadedRow_FirstVariableOfAGroupIsGone_TheSecondDoesNotTakeItsPlace) {
+  study.makeEntity();
+  study.data().addGroup(true, study.attribute(study.pump(), "Speed"));
+  study.data().getGroup(true, 0).appendVariable(study.attribute(study.fan(), "Speed"));
+  ASSERT_TRUE(EntityModel::EntityEditor::deleteEntity(study.pump(), false, true));
+
+  study.data().initializeVariants(nullptr);
+
+  EXPECT_EQ(study.cells(0), (Texts{"-"}));
+}
+
 TEST_F(OptimizationDataVariantsTest, LoadedRow_FirstVariableOfAnOutputGroupIsGone_CellsMoveUp) {
   study.makeEntity();
   study.data().addGroup(true, study.attribute(study.fan(), "Angle"));

@@ -228,6 +228,18 @@ TEST_F(CreateCopyVersionTest, CreateCopyVersion_AdoptableCopyExists_MakesNoVersi
   EXPECT_EQ(study.data().getCopyVersionName(), "Steady Copy of Base");
 }
 
+TEST_F(CreateCopyVersionTest, CreateCopyVersion_AdoptableCopyExists_AlternatesOfACopyCountAsStudyCases) {
+  study.makeEntity();
+  study.addVersion("Steady Copy of Base", "Base")->setStudyCaseFlag(ModelVersionStudyCaseFlag::Copy, true);
+  study.host().clear();
+  study.host().record("ModelVersion::isStudyCase");
+
+  study.data().createCopyVersion(false);
+
+  EXPECT_EQ(study.host().texts().at(1),
+            R"(ModelVersion::isStudyCase("Steady Copy of Base", throughAlternate=true, anyRelation=false))");
+}
+
 TEST_F(CreateCopyVersionTest, CreateCopyVersion_AdoptableCopyExists_ReplacesAStoredName) {
   study.makeEntity();
   study.data().setCopyVersionName("Gone");

@@ -524,6 +524,19 @@ TEST_F(OptimizationGroupTest, SomethingElseInThePlaceOfTheList_CountsAsNoList) {
   expectNothing(OptimizationGroup(&broken.entity), study, fan);
 }
 
+TEST_F(OptimizationGroupTest, ListThatTheHostDoesNotCallOne_CountsAsNoList) {
+  class Unlisted : public StudyTesting::ScriptedList {
+  public:
+    using StudyTesting::ScriptedList::ScriptedList;
+    bool isEntityList() const override { return false; }
+  };
+  const auto length = StudyTesting::makeScriptedVariable(fan, "Length");
+  StudyTesting::ScriptedEntity entity;
+  entity.add(AttributePath("OptimizationAttributes"),
+             std::make_unique<Unlisted>(std::vector<Entity *>{length.get()}));
+  expectNothing(OptimizationGroup(&entity), study, fan);
+}
+
 TEST_F(OptimizationGroupTest, NullEntriesOfTheList_AreSkipped) {
   const auto length = StudyTesting::makeScriptedVariable(fan, "Length");
   const auto width = StudyTesting::makeScriptedVariable(fan, "Width");

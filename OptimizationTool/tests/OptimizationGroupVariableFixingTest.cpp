@@ -315,12 +315,13 @@ TEST_F(OptimizationGroupVariableFixingTest, EveryCopy_LosesItsLimitsBeforeItGets
     }
   }
   EXPECT_EQ(copies, 0);
-  EXPECT_EQ(steps.size(), 20U);
+  const char *const texts[] = {"set 1", "set 2", "set 3", "set 4", "set 5"};
+  ASSERT_EQ(steps.size(), 20U);
   for (std::size_t copy = 0; copy + 3 < steps.size(); copy += 4) {
     EXPECT_EQ(steps[copy], "copy");
     EXPECT_EQ(steps[copy + 1], "no minimum");
     EXPECT_EQ(steps[copy + 2], "no maximum");
-    EXPECT_EQ(steps[copy + 3].compare(0, 4, "set "), 0);
+    EXPECT_EQ(steps[copy + 3], texts[copy / 4]);
   }
 }
 

@@ -206,6 +206,16 @@ TEST_F(OptimizationGroupVariableTest, GetUnits_AreTheUnitsInWhichTheAttributeIsS
   EXPECT_EQ(study.addVariable(group, fan, "Ratio").getUnits(), "");
 }
 
+TEST_F(OptimizationGroupVariableTest, GetUnits_OfSeveralForms_AreThoseOfFormZero) {
+  class Measured : public StudyTesting::ScriptedAttribute {
+    std::string getUnits(int form) const override { return form == 0 ? "mm" : "[mm]"; }
+  };
+  StudyTesting::ScriptedEntity owner;
+  owner.add(AttributePath("Value"), std::make_unique<Measured>());
+  const auto entity = StudyTesting::makeScriptedVariable(&owner, "Value");
+  EXPECT_EQ(OptimizationGroupVariable(entity.get()).getUnits(), "mm");
+}
+
 TEST_F(OptimizationGroupVariableTest, GetUnits_AttributeNotFound_AreEmpty) {
   EXPECT_EQ(study.addVariable(group, fan, "Lenght").getUnits(), "");
   EXPECT_EQ(study.addVariable(group, nullptr, "Length").getUnits(), "");

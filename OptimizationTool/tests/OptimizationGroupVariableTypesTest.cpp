@@ -81,6 +81,21 @@ TEST_F(OptimizationGroupVariableTypesTest,
   EXPECT_FALSE(isSameType());
 }
 
+TEST_F(OptimizationGroupVariableTypesTest, IsSameType_TwoTypesThatDisagree_TheFirstIsAsked) {
+  class Decided : public ScriptedTypeAttribute {
+  public:
+    explicit Decided(bool answer) : ScriptedTypeAttribute(1), m_answer(answer) {}
+    bool hasSameTypes(const EntityModel::TypeAttribute &) const override { return m_answer; }
+
+  private:
+    bool m_answer;
+  };
+  a.owner.add(AttributePath("Value"), std::make_unique<Decided>(true));
+  b.owner.add(AttributePath("Value"), std::make_unique<Decided>(false));
+  EXPECT_TRUE(a.handle().isSameType(b.handle()));
+  EXPECT_FALSE(b.handle().isSameType(a.handle()));
+}
+
 TEST_F(OptimizationGroupVariableTypesTest, IsSameType_OneTypeOnly_ComparesTheDescriptions) {
   a.type(1, "x");
   b.attribute("x");
@@ -118,6 +133,9 @@ TEST_F(OptimizationGroupVariableTypesTest, IsSameType_ReferenceToNothing_HasAKin
   b.reference(&target, "reference");
   EXPECT_FALSE(isSameType());
   b.reference(nullptr, "reference");
+  EXPECT_TRUE(isSameType());
+  target.type = EntityModel::Type();
+  b.reference(&target, "reference");
   EXPECT_TRUE(isSameType());
 }
 

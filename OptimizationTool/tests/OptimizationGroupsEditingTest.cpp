@@ -190,6 +190,25 @@ TEST_F(OptimizationGroupsEditingTest, RemoveVariable_ThatNoGroupHolds_DeletesItA
   EXPECT_EQ(study.takeCalls().size(), 1U);
 }
 
+TEST_F(OptimizationGroupsEditingTest, RemoveVariable_HeldByAnotherGroupThanTheIndexSays_RemovesThatOne) {
+  // The first place gives out a variable that says that the empty group C holds it.
+  const auto variable = StudyTesting::makeScriptedVariable(fan, "Length");
+  StudyTesting::ScriptedLink holder(nullptr);
+  holder.owner = c.get();
+  variable->ownerLink = &holder;
+  const auto group = StudyTesting::makeScriptedGroup({variable.get()});
+  StudyTesting::ScriptedEntity owner;
+  owner.add(AttributePath("OptimizationInputs"),
+            std::make_unique<StudyTesting::ScriptedList>(std::vector<Entity *>{group.get(), b.get()}));
+  OptimizationGroups scripted(&owner, true);
+  study.faults().fail("EntityEditor::deleteEntity", HostTesting::FaultKind::Refused);
+  const std::string deleteHolder = "EntityEditor::deleteEntity(C, force=false, notify=true)";
+  EXPECT_TRUE(scripted.removeVariable(0, true));
+  EXPECT_EQ(study.takeCalls().back(), deleteHolder);
+  EXPECT_TRUE(scripted.removeVariable(0, 0, true));
+  EXPECT_EQ(study.takeCalls().back(), deleteHolder);
+}
+
 TEST_F(OptimizationGroupsEditingTest, MoveVariable_ToAnEmptyGroup_KeepsItsSettings) {
   length.setMinimumValue("1 mm");
   length.setLowBound("2 mm");

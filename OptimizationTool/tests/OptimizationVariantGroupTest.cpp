@@ -82,8 +82,7 @@ TEST(OptimizationVariantGroupTest, MoveConstruct_StealsTheCopyAndLeavesTheSource
   const EntityModel::Attribute *copy = source.get();
   const OptimizationVariantGroup target(std::move(source));
   EXPECT_EQ(target.get(), copy);
-  // What a move leaves is the subject here.
-  // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
+  // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): what a move leaves is the subject here
   EXPECT_EQ(source.get(), nullptr);
 }
 
@@ -98,8 +97,7 @@ TEST(OptimizationVariantGroupTest, MoveAssign_DestroysTheOldCopyStealsTheNewAndL
   target = std::move(source);
   EXPECT_EQ(log, (Log{"destroy first"}));
   EXPECT_EQ(target.get(), copy);
-  // What a move leaves is the subject here.
-  // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
+  // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): what a move leaves is the subject here
   EXPECT_EQ(source.get(), nullptr);
 }
 

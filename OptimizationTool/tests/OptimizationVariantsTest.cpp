@@ -265,6 +265,15 @@ TEST(OptimizationVariantsTest, Move_KeepsTheRowItself) {
   EXPECT_EQ(matrix[0].get(), row);
 }
 
+TEST(OptimizationVariantsTest, Move_PlaceWithoutRow_IsMovedLikeARow) {
+  OptimizationVariants matrix = makeMatrix({"A", "B", "C"});
+  matrix.insert(0, nullptr);
+  EXPECT_FALSE(matrix.move(0, 3));
+  EXPECT_EQ(names(matrix), "AB-C");
+  EXPECT_FALSE(matrix.move(2, 0));
+  EXPECT_EQ(names(matrix), "-ABC");
+}
+
 TEST(OptimizationVariantsTest, Move_EmptyMatrix_IsFalse) {
   OptimizationVariants matrix;
   EXPECT_FALSE(matrix.move(0, 0));

@@ -2,6 +2,7 @@
 
 #include "EmbeddedHost/RunFiles.h"
 #include "EmbeddedHost/SolverNumber.h"
+#include "EmbeddedHost/SystemReason.h"
 #include "Workbench/UnitSystem.h"
 
 #include <algorithm>
@@ -74,7 +75,7 @@ std::string VersionRun::prepare(const std::vector<RunFile> &files) {
   std::error_code error;
   fs::remove_all(m_folder, error); // removes a link itself, never what it points to
   if (error || !fs::create_directory(m_folder, error) || error) {
-    return m_folder + ": " + error.message();
+    return m_folder + ": " + EmbeddedHost::systemReason(error.value());
   }
   for (const RunFile &file : files) {
     std::string problem;
@@ -140,7 +141,8 @@ std::string VersionRun::problemOfOutcome() const {
   case SolverEnd::TimedOut:
     return "time limit: ended after " + seconds(solver.timeLimit);
   case SolverEnd::Signalled:
-    return "signal: " + std::to_string(outcome.signal) + " (" + ::strsignal(outcome.signal) + ")";
+    return "signal: " + std::to_string(outcome.signal) + " (" + EmbeddedHost::signalReason(outcome.signal) +
+           ")";
   case SolverEnd::Stopped:
     return outcome.problem.empty() ? "cancelled" : "output: " + outcome.problem;
   case SolverEnd::NotStarted:
@@ -225,7 +227,7 @@ std::string VersionRun::keepFolder() {
   if (!error) {
     fs::rename(m_folder, finished, error);
   }
-  return error ? finished.string() + ": " + error.message() : "";
+  return error ? finished.string() + ": " + EmbeddedHost::systemReason(error.value()) : "";
 }
 
 } // namespace Workbench

@@ -6,6 +6,7 @@
 #include <udunits2.h>
 
 #include <limits>
+#include <locale.h>
 #include <vector>
 
 namespace EmbeddedHost {
@@ -20,6 +21,25 @@ struct FreeConverter {
 };
 struct FreeSystem {
   void operator()(ut_system *system) const { ut_free_system(system); }
+};
+
+// The unit library reads numbers by the locale of the thread, its own database with them. While one lives, that is
+// the "C" locale, whatever the process has.
+class PlainLocaleScope {
+public:
+  PlainLocaleScope() : m_previous(uselocale(plain())) {}
+  PlainLocaleScope(const PlainLocaleScope &) = delete;
+  PlainLocaleScope &operator=(const PlainLocaleScope &) = delete;
+  ~PlainLocaleScope() { uselocale(m_previous); }
+
+private:
+  // Made once and kept: units may be parsed as long as the process lives.
+  static locale_t plain() {
+    static const locale_t locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
+    return locale;
+  }
+
+  locale_t m_previous;
 };
 
 } // namespace
@@ -59,6 +79,7 @@ public:
 };
 
 UnitDatabase::UnitDatabase(const char *file) : m_handles(std::make_unique<Handles>()) {
+  const PlainLocaleScope plainLocale;
   ut_set_error_message_handler(&ut_ignore);
   m_handles->system.reset(ut_read_xml(file));
   if (m_handles->system == nullptr) {
@@ -86,6 +107,7 @@ UnitResult UnitDatabase::parse(std::string_view text) {
   const UnitSpelling spelling = spellUnit(name);
   result.problem = spelling.problem;
   if (!spelling.text.empty()) {
+    const PlainLocaleScope plainLocale;
     ut_unit *unit = ut_parse(m_handles->system.get(), spelling.text.c_str(), UT_UTF8);
     if (unit == nullptr) {
       result.problem =

@@ -126,7 +126,9 @@ void VersionTree::show(Version &version, ChangeSet *changes) {
     enter(**each);
   }
   m_shown = &version;
-
+  if (changes == nullptr) {
+    return;
+  }
   for (Slot *slot : touched) {
     if (!isSameValue(before[slot], slot->value) && slot->owner->exists()) {
       changes->addModifiedAttribute(slot->owner, &ModelEntity::attributeOf(*slot));

@@ -68,6 +68,13 @@ bool readNames(const std::string &folder, std::vector<std::string> &names) {
   return errno == 0;
 }
 
+std::string joined(const std::string &folder, const std::string &name) {
+  std::string path = folder;
+  path += '/';
+  path += name;
+  return path;
+}
+
 bool writeAll(int target, const char *bytes, std::size_t count) {
   while (count > 0) {
     const ssize_t written = write(target, bytes, count);
@@ -138,8 +145,8 @@ bool copyTree(const std::string &from, const std::string &to) {
       return false;
     }
     for (const std::string &name : names) {
-      const std::string source = folder.from + "/" + name;
-      const std::string target = folder.to + "/" + name;
+      const std::string source = joined(folder.from, name);
+      const std::string target = joined(folder.to, name);
       struct stat status = {};
       if (lstat(source.c_str(), &status) != 0) {
         return false;
@@ -167,7 +174,7 @@ bool syncTree(const std::string &folder) {
       return false;
     }
     for (const std::string &name : names) {
-      const std::string path = current + "/" + name;
+      const std::string path = joined(current, name);
       struct stat status = {};
       if (lstat(path.c_str(), &status) != 0) {
         return false;

@@ -1,11 +1,12 @@
 #include "EmbeddedHost/src/project/FileLock.h"
 
+#include "EmbeddedHost/SystemReason.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -14,10 +15,6 @@ namespace EmbeddedHost {
 namespace {
 
 constexpr int kAttempts = 100;
-
-std::string reason(int error) {
-  return std::generic_category().message(error);
-}
 
 // The holder may have removed the file when it let go of the lock; a lock on it keeps nobody out then.
 bool isStillTheFile(int descriptor, const std::string &path) {
@@ -59,14 +56,15 @@ std::unique_ptr<FileLock> FileLock::acquire(const std::string &file, std::string
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
     if (descriptor < 0) {
-      problem = "The lock file " + path + " cannot be opened: " + reason(errno) + ".";
+      problem = "The lock file " + path + " cannot be opened: " + systemReason(errno) + ".";
       return nullptr;
     }
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
       const int error = errno;
-      problem = error == EWOULDBLOCK ? "The project " + file + " is open in " + holder(descriptor) +
-                                           "; until it is closed there it can be opened for reading only."
-                                     : "The lock file " + path + " cannot be locked: " + reason(error) + ".";
+      problem = error == EWOULDBLOCK
+                    ? "The project " + file + " is open in " + holder(descriptor) +
+                          "; until it is closed there it can be opened for reading only."
+                    : "The lock file " + path + " cannot be locked: " + systemReason(error) + ".";
       close(descriptor);
       return nullptr;
     }

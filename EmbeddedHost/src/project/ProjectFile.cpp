@@ -1,5 +1,6 @@
 #include "EmbeddedHost/src/project/ProjectFile.h"
 
+#include "EmbeddedHost/SystemReason.h"
 #include "EmbeddedHost/src/project/FolderName.h"
 #include "EmbeddedHost/src/project/ProjectReader.h"
 
@@ -20,10 +21,6 @@ namespace {
 
 constexpr std::size_t kHeaderSize = 100;
 using Header = std::array<unsigned char, kHeaderSize>;
-
-std::string reason(int error) {
-  return std::generic_category().message(error);
-}
 
 std::int64_t bigEndian(const Header &header, std::size_t offset) {
   std::int64_t number = 0;
@@ -57,7 +54,7 @@ std::string checkHeader(const std::string &file) {
 std::string checkFile(const std::string &file) {
   struct stat status = {};
   if (stat(file.c_str(), &status) != 0) {
-    return "The project " + file + " cannot be opened: " + reason(errno) + ".";
+    return "The project " + file + " cannot be opened: " + systemReason(errno) + ".";
   }
   return S_ISREG(status.st_mode) ? std::string() : file + " is no file.";
 }
@@ -115,8 +112,8 @@ std::unique_ptr<ProjectFile> ProjectFile::open(const std::string &file, OpenMode
     // One name, so that every link to the file stands for the same lock.
     std::error_code error;
     const std::string path = std::filesystem::canonical(file, error).string();
-    problem =
-        error ? "The project " + file + " cannot be opened: " + error.message() + "." : checkHeader(path);
+    problem = error ? "The project " + file + " cannot be opened: " + systemReason(error.value()) + "."
+                    : checkHeader(path);
     std::unique_ptr<FileLock> lock;
     if (problem.empty() && mode == OpenMode::ReadWrite) {
       lock = FileLock::acquire(path, problem);
@@ -151,8 +148,8 @@ std::unique_ptr<ProjectFile> ProjectFile::create(const std::string &file,
   const fs::path folder = fs::canonical(fs::absolute(file).parent_path(), error);
   const std::string path = (folder / fs::path(file).filename()).string();
   if (error || fs::path(file).filename().empty()) {
-    problem =
-        "The project " + file + " cannot be made: " + (error ? error.message() : "it has no name") + ".";
+    problem = "The project " + file +
+              " cannot be made: " + (error ? systemReason(error.value()) : "it has no name") + ".";
     return nullptr;
   }
   std::unique_ptr<FileLock> lock = FileLock::acquire(path, problem);
@@ -171,14 +168,15 @@ std::unique_ptr<ProjectFile> ProjectFile::create(const std::string &file,
       transaction.commit();
     }
     if (!renameWithoutReplacing(unfinished, path)) {
-      problem = "The project " + file + " cannot be made: " + reason(errno) + ".";
+      problem = "The project " + file + " cannot be made: " + systemReason(errno) + ".";
       fs::remove(unfinished, error);
     }
     if (!problem.empty()) {
       return nullptr;
     }
     if (!syncFolder(folder.string())) {
-      problem = "The folder " + folder.string() + " cannot be written to the disk: " + reason(errno) + ".";
+      problem =
+          "The folder " + folder.string() + " cannot be written to the disk: " + systemReason(errno) + ".";
       return nullptr;
     }
     return std::unique_ptr<ProjectFile>(new ProjectFile(path, Database::Access::ReadWrite, std::move(lock)));

@@ -1,4 +1,5 @@
 #include "EmbeddedHost/Project.h"
+#include "EmbeddedHost/SystemReason.h"
 #include "EmbeddedHost/src/project/ProjectParts.h"
 #include "EmbeddedHost/src/project/ProjectReader.h"
 #include "EmbeddedHost/src/project/ProjectWriter.h"
@@ -144,7 +145,7 @@ bool Project::saveAs(const std::string &file, std::string &problem) {
   const std::string path = (folder / absolute.filename()).string();
   const std::string results = resultsFolder(path);
   if (error) {
-    problem = "The folder of " + file + " cannot be used: " + error.message() + ".";
+    problem = "The folder of " + file + " cannot be used: " + systemReason(error.value()) + ".";
     return false;
   }
   if (own.file != nullptr && results == resultsFolder(own.filePath)) {

@@ -1,11 +1,12 @@
 #include "EmbeddedHost/src/solve/CappedStream.h"
 
+#include "EmbeddedHost/SystemReason.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace EmbeddedHost {
@@ -26,7 +27,7 @@ FileDescriptor aboveStandard(FileDescriptor descriptor) {
 bool CappedStream::open(const std::string &file, std::string &problem) {
   std::array<int, 2> ends{-1, -1};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-    problem = "pipe: " + std::system_category().message(errno);
+    problem = "pipe: " + systemReason(errno);
     return false;
   }
   m_readingEnd = FileDescriptor(ends[0]);
@@ -39,7 +40,7 @@ bool CappedStream::open(const std::string &file, std::string &problem) {
   m_file = FileDescriptor(
       ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH));
   if (!m_file.isOpen()) {
-    problem = file + ": " + std::system_category().message(errno);
+    problem = file + ": " + systemReason(errno);
     return false;
   }
   return true;
@@ -69,7 +70,7 @@ void CappedStream::keep(std::size_t most) {
     m_truncated = m_truncated || kept < size;
     m_kept += kept;
     if (m_problem.empty() && !writeAll(m_file.get(), std::string_view(buffer.data(), kept))) {
-      m_problem = m_fileName + ": " + std::system_category().message(errno);
+      m_problem = m_fileName + ": " + systemReason(errno);
     }
   }
 }

@@ -1,12 +1,12 @@
 #include "EmbeddedHost/RunFiles.h"
 
+#include "EmbeddedHost/SystemReason.h"
 #include "EmbeddedHost/src/solve/FileDescriptor.h"
 
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace EmbeddedHost {
@@ -14,7 +14,7 @@ namespace EmbeddedHost {
 namespace {
 
 std::string systemProblem(const std::string &path) {
-  return path + ": " + std::system_category().message(errno);
+  return path + ": " + systemReason(errno);
 }
 
 bool writeNewFileWithMode(const std::string &path, std::string_view content, mode_t mode,

@@ -1,5 +1,6 @@
 #include "EmbeddedHost/SolverProcess.h"
 
+#include "EmbeddedHost/SystemReason.h"
 #include "EmbeddedHost/src/solve/CappedStream.h"
 #include "EmbeddedHost/src/solve/SpawnSolver.h"
 
@@ -9,7 +10,6 @@
 #include <poll.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -21,10 +21,6 @@ namespace {
 constexpr std::size_t kMostPerPoll = std::size_t{1024} * 1024;
 // Without a descriptor to wait on for the end of a process, it is looked for this often.
 constexpr std::chrono::milliseconds kBlindInterval{5};
-
-std::string errorText(int number) {
-  return std::system_category().message(number);
-}
 
 } // namespace
 
@@ -62,7 +58,7 @@ bool SolverProcess::start() {
   m_error->closeWritingEnd();
   if (error != 0) {
     m_pid = 0;
-    return failToStart(m_command.program + ": " + errorText(error));
+    return failToStart(m_command.program + ": " + systemReason(error));
   }
 #ifdef SYS_pidfd_open
   m_pidDescriptor = static_cast<int>(::syscall(SYS_pidfd_open, m_pid, 0));
@@ -135,7 +131,7 @@ void SolverProcess::reap() {
   } while (reaped < 0 && errno == EINTR);
   if (reaped < 0) {
     // Somebody else took the status: a run whose end nobody saw is not a success.
-    m_outcome.problem = "how the solver ended is not known: " + errorText(errno);
+    m_outcome.problem = "how the solver ended is not known: " + systemReason(errno);
   }
   m_pid = 0;
   if (m_pidDescriptor >= 0) {

@@ -40,8 +40,9 @@ std::vector<std::string> environmentTexts(std::map<std::string, std::string> var
     variables.emplace("OMP_NUM_THREADS", "1");
   }
   std::vector<std::string> texts;
+  texts.reserve(variables.size());
   for (const auto &[name, value] : variables) {
-    texts.push_back(name + "=" + value);
+    texts.push_back(std::string(name).append("=").append(value));
   }
   for (char **inherited = ::environ; inherited != nullptr && *inherited != nullptr; ++inherited) {
     const std::string text = *inherited;
@@ -114,9 +115,9 @@ std::optional<std::string> findProgram(const std::string &name, const std::strin
   while (!name.empty() && begin <= searchPath.size()) {
     std::size_t end = searchPath.find(':', begin);
     end = end == std::string::npos ? searchPath.size() : end;
-    const std::string folder = searchPath.substr(begin, end - begin);
-    if (!folder.empty() && isExecutableFile(folder + "/" + name)) {
-      return folder + "/" + name;
+    const std::string path = searchPath.substr(begin, end - begin).append("/").append(name);
+    if (end > begin && isExecutableFile(path)) {
+      return path;
     }
     begin = end + 1;
   }
