@@ -87,9 +87,10 @@ template <class T> Operand makeBinaryOf(BinaryOperator operation, Operand left, 
   case BinaryOperator::And:
   case BinaryOperator::Or:
     if constexpr (!kIsText<T>) {
-      return operation == BinaryOperator::And
-                 ? binaryNode<std::logical_and<T>, T>(std::move(left), std::move(right))
-                 : binaryNode<std::logical_or<T>, T>(std::move(left), std::move(right));
+      if (operation == BinaryOperator::And) {
+        return binaryNode<std::logical_and<T>, T>(std::move(left), std::move(right));
+      }
+      return binaryNode<std::logical_or<T>, T>(std::move(left), std::move(right));
     }
     break;
   case BinaryOperator::Add:

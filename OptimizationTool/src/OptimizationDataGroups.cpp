@@ -38,7 +38,8 @@ int OptimizationData::addGroup(bool isInput, Attribute *attribute) {
 
 int OptimizationData::addGroup(bool isInput, Entity *entity, const AttributePath &path) {
   const QPointer<OptimizationData> self(this);
-  OptimizationGroup group = getGroups(isInput).appendGroup();
+  OptimizationGroups groups = getGroups(isInput); // a copy, which outlives the study
+  OptimizationGroup group = groups.appendGroup();
   if (!group || !self) {
     return -1;
   }
@@ -58,7 +59,8 @@ int OptimizationData::addGroup(bool isInput, Entity *entity, const AttributePath
 
 int OptimizationData::addGroupFromGroup(bool isInput, int sourceGroupIndex) {
   const QPointer<OptimizationData> self(this);
-  const OptimizationGroup group = getGroups(isInput).appendGroup();
+  OptimizationGroups groups = getGroups(isInput); // a copy, which outlives the study
+  const OptimizationGroup group = groups.appendGroup();
   if (!group || !self) {
     return -1;
   }
@@ -75,7 +77,7 @@ int OptimizationData::addGroupFromGroup(bool isInput, int sourceGroupIndex) {
 }
 
 void OptimizationData::removeGroup(bool isInput, int groupIndex) {
-  OptimizationGroups &groups = getGroups(isInput);
+  OptimizationGroups groups = getGroups(isInput); // a copy, which outlives the study
   // Strictly greater on purpose: an index equal to the number of groups removes the surplus cell of rows that
   // kept one, and callers that found no group pass -1.
   if (groupIndex > groups.size()) {
@@ -144,7 +146,7 @@ void OptimizationData::moveAttribute(bool isInput, int fromGroup, int indexInGro
     throw std::logic_error("OptimizationData::moveAttribute: Can't move attribute to same group");
   }
   const QPointer<OptimizationData> self(this);
-  OptimizationGroups &groups = getGroups(isInput);
+  OptimizationGroups groups = getGroups(isInput); // a copy, which outlives the study
   if (groups.moveVariable(fromGroup, indexInGroup, toGroup, false)) {
     EntityManager::setNeedsSave(true);
   }
@@ -154,13 +156,14 @@ void OptimizationData::moveAttribute(bool isInput, int fromGroup, int indexInGro
 }
 
 void OptimizationData::moveGroup(bool isInput, int from, int to) {
-  if (from != to && getGroups(isInput).moveGroup(from, to)) {
+  OptimizationGroups groups = getGroups(isInput); // a copy, which outlives the study
+  if (from != to && groups.moveGroup(from, to)) {
     EntityManager::setNeedsSave(true);
   }
 }
 
 void OptimizationData::setGroupName(bool isInput, int groupIndex, const std::string &name) {
-  OptimizationGroups &groups = getGroups(isInput);
+  OptimizationGroups groups = getGroups(isInput); // a copy, which outlives the study
   if (groupIndex < 0 || groupIndex >= groups.size()) {
     throw std::out_of_range("OptimizationData::setGroupName: Group index out of range");
   }

@@ -14,7 +14,6 @@
 namespace OptimizationTool {
 namespace {
 
-using EntityGUI::EntityManager;
 using EntityModel::Entity;
 using EntityModel::ModelVersion;
 using EntityModel::ModelVersionStudyType;

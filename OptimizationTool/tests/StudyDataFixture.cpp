@@ -167,7 +167,7 @@ void StudyDataFixture::setIn(const std::string &label, const std::string &attrib
 std::string StudyDataFixture::valueIn(const std::string &label, const std::string &attributeName) {
   const std::string before = currentLabel();
   switchTo(label);
-  const std::string text = cellText(attribute(attributeName));
+  std::string text = cellText(attribute(attributeName));
   switchTo(before);
   return text;
 }
@@ -275,6 +275,7 @@ std::vector<std::vector<std::string>> StudyDataFixture::groups(bool isInput) con
   for (int index = 0; index < numGroups; ++index) {
     const OptimizationTool::OptimizationGroup group = m_data->getGroup(isInput, index);
     std::vector<std::string> variables;
+    variables.reserve(static_cast<std::size_t>(group.size()));
     for (int variable = 0; variable < group.size(); ++variable) {
       variables.push_back(group.getAttributeDisplayName(variable));
     }
@@ -286,6 +287,7 @@ std::vector<std::vector<std::string>> StudyDataFixture::groups(bool isInput) con
 std::vector<std::string> StudyDataFixture::row(bool isInput, std::size_t index) const {
   std::vector<std::string> texts;
   const int numGroups = isInput ? m_data->getNumInputs() : m_data->getNumOutputs();
+  texts.reserve(static_cast<std::size_t>(numGroups));
   for (int group = 0; group < numGroups; ++group) {
     texts.push_back(cellText(m_data->getVariantGroup(isInput, index, static_cast<std::size_t>(group))));
   }

@@ -36,7 +36,7 @@ std::string problemOf(const EmbeddedHost::TemplatePlaceholder &placeholder, cons
   if (placeholder.unit.empty()) {
     return "";
   }
-  const std::string problem = units.problemOf(placeholder.unit);
+  std::string problem = units.problemOf(placeholder.unit);
   if (!problem.empty()) {
     return problem;
   }

@@ -99,7 +99,7 @@ std::string StudySession::beginNew() {
   m_attributes = std::make_unique<ModelAttributes>(m_study, *m_project);
   m_states.assign(data().getNumVariants(), RowState());
   for (const bool isInput : {true, false}) {
-    const std::string problem = addGroups(isInput);
+    std::string problem = addGroups(isInput);
     if (!problem.empty()) {
       return problem;
     }

@@ -11,7 +11,6 @@ namespace Workbench {
 
 namespace {
 
-using OptimizationTool::OptimizationData;
 using OptimizationTool::OptimizationGroup;
 using OptimizationTool::OptimizationGroupVariable;
 using OptimizationTool::OptimizationManager;
@@ -73,6 +72,7 @@ std::string StudySession::compareGroups(bool isInput) const {
     const StudyGroup &expected = declared[static_cast<std::size_t>(index)];
     OptimizationGroup group = data().getGroup(isInput, index);
     std::vector<std::string> attributes;
+    attributes.reserve(static_cast<std::size_t>(group.size()));
     for (int number = 0; number < group.size(); ++number) {
       attributes.push_back(group.getVariable(number).getAttributeMacro());
     }
@@ -220,7 +220,7 @@ std::string StudySession::applyRows() {
       found = known->second;
     }
     if (!found) {
-      const std::string problem = addRow(row);
+      std::string problem = addRow(row);
       if (!problem.empty()) {
         return problem;
       }

@@ -26,8 +26,7 @@ public:
   class Map {
   public:
     Map() = default;
-    Map(YAML::Node node, std::vector<Entry> entries)
-        : m_node(std::move(node)), m_entries(std::move(entries)) {}
+    Map(const YAML::Node &node, std::vector<Entry> entries) : m_node(node), m_entries(std::move(entries)) {}
     // The value of the key, or null when the map does not have it.
     const YAML::Node *find(const std::string &key) const;
     const YAML::Node &node() const { return m_node; }

@@ -121,7 +121,7 @@ OpenBox open(const BoxStudy &box) {
 SolveReport solve(OpenBox &open, TestObserver &observer) {
   open.runner->assess();
   open.session->clearUnreliableCosts();
-  const SolveReport report = open.runner->solve(1, observer);
+  SolveReport report = open.runner->solve(1, observer);
   EXPECT_EQ(open.session->updateAndPrice(), "");
   EXPECT_EQ(open.session->save(), "");
   return report;

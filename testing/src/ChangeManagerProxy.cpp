@@ -2,7 +2,6 @@
 
 namespace HostTesting {
 
-using EntityModel::ChangeManager;
 using EntityModel::ChangeSet;
 using EntityModel::Entity;
 using EntityModel::ModelVersion;

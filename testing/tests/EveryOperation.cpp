@@ -17,7 +17,6 @@ using EntityModel::Entity;
 using EntityModel::ModelVersion;
 using EntityModel::ModelVersionStudyCaseFlag;
 using EntityModel::ModelVersionStudyType;
-using EntityModel::TypeRef;
 
 SceneProxies::SceneProxies(Scene &sceneGiven, WrappedHost &wrapperGiven)
     : scene(sceneGiven), wrapper(wrapperGiven), editor(wrapper.getEntityEditor()),

@@ -23,7 +23,6 @@ using EntityModel::AttributePath;
 using EntityModel::ChangeSet;
 using EntityModel::Entity;
 using EntityModel::ModelVersion;
-using TinyModel::Kind;
 
 // Counts the calls by name.
 class CountingHost final : public WrappedHost {

@@ -67,8 +67,9 @@ CommandRun::CommandRun(const TemporaryFolder &folder, std::vector<std::string> a
   m_messages = folder.file("command.err");
   arguments.insert(arguments.begin(), OPTSTUDY_PROGRAM);
   std::vector<std::string> variables;
+  variables.reserve(environment.size());
   for (const auto &[name, value] : environment) {
-    variables.push_back(name + "=" + value);
+    variables.push_back(std::string(name).append("=").append(value));
   }
   for (char **inherited = ::environ; *inherited != nullptr; ++inherited) {
     const std::string text = *inherited;
