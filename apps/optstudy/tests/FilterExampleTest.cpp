@@ -144,7 +144,8 @@ TEST_F(FilterExampleTest, SolverThatWritesNothing_FailsEveryRow) {
 TEST_F(FilterExampleTest, SolverThatComesBack_IsRunAgain) {
   fs::create_directory(m_folder.path() / "bin");
   m_folder.writeProgram("bin/ngspice", "#!/bin/sh\nexit 0\n");
-  const std::string path = std::getenv("PATH");
+  const char *path = std::getenv("PATH");
+  ASSERT_NE(path, nullptr);
   runCommand(m_folder, {"run", "filter.study.yaml"}, {{"PATH", m_folder.file("bin") + ":" + path}});
   const CommandResult result = runCommand(m_folder, {"run", "filter.study.yaml"});
   EXPECT_EQ(result.exitCode, 0) << result.messages;
