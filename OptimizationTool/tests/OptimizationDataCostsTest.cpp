@@ -1,6 +1,5 @@
 #include "ExpressionBuilder/Expression.h"
 #include "HostModel/Attribute.h"
-#include "HostModel/EntityEditor.h"
 #include "HostModel/TypeConstants.h"
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/tests/AdjustedHost.h"
@@ -14,7 +13,6 @@ namespace {
 
 using EntityModel::AttributePath;
 using EntityModel::EditOperation;
-using EntityModel::EntityEditor;
 using HostTesting::FaultKind;
 using HostTesting::FaultyHost;
 using HostTesting::RecordingHost;

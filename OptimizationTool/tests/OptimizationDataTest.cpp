@@ -74,8 +74,8 @@ TEST_F(OptimizationDataTest, Construction_BindsTheStudyEntity) {
 
 TEST_F(OptimizationDataTest, Construction_TakesTheParent) {
   QObject parent;
-  auto *study = new OptimizationData(createStudyEntity(), &parent);
-  EXPECT_EQ(study->parent(), &parent);
+  const OptimizationData study(createStudyEntity(), &parent);
+  EXPECT_EQ(study.parent(), &parent);
 }
 
 TEST_F(OptimizationDataTest, Construction_NeitherEditsNorSolves) {

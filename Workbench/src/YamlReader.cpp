@@ -112,7 +112,9 @@ std::vector<YamlReader::Entry> YamlReader::entries(const YAML::Node &node, const
     if (isNew) {
       entries.push_back({key, pair.first, pair.second});
     } else {
-      report(pair.first, what + ": \"" + key + "\" is already in line " + std::to_string(known->second));
+      std::string twice = what;
+      twice.append(": \"").append(key).append("\" is already in line ").append(std::to_string(known->second));
+      report(pair.first, twice);
     }
   }
   return entries;
