@@ -26,7 +26,7 @@ enum class ElementKind : int {
 class ElementAbstract {
 public:
   /// Releases the node and its children.
-  virtual ~ElementAbstract();
+  virtual ~ElementAbstract() = default;
 
   /// Code of the node's value type.
   virtual ValueType type() const = 0;

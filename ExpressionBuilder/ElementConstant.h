@@ -4,6 +4,8 @@
 
 namespace ExpressionBuilder {
 
+class SimpleVariableCollection;
+
 /// A node that holds one value of T.
 template <class T> class ElementConstant : public Element<T> {
 public:
@@ -19,6 +21,13 @@ public:
   std::unique_ptr<Element<T>> clone() const override;
 
 private:
+  /// The collection gives its own constants another value instead of making new ones; every other node never
+  /// changes.
+  friend class SimpleVariableCollection;
+
+  void setValue(const T &value) { m_value = value; }
+  T *place() noexcept { return &m_value; }
+
   T m_value;
 };
 

@@ -71,6 +71,8 @@ private:
                                         &copyAlone,
                                         nullptr,
                                         nullptr,
+                                        nullptr,
+                                        scalarOperationOf<F, Args...>(),
                                         nullptr};
     return shape;
   }

@@ -2,6 +2,7 @@
 
 #include "ExpressionBuilder/ElementAbstract.h"
 #include "ExpressionBuilder/EvaluationStack.h"
+#include "ExpressionBuilder/ScalarOperation.h"
 
 #include <cstddef>
 #include <memory>
@@ -33,6 +34,10 @@ struct ElementShape {
   const std::string &(*name)(const ElementAbstract &node) = nullptr;
   /// Conditional: the branch (1 or 2) that a constant condition selects, 0 when that is not known.
   std::size_t (*selectedBranch)(const ElementAbstract &node) = nullptr;
+  /// Functional: what the node does, for the lowering.
+  ScalarOperation operation = {};
+  /// Constant: where the value stands, a `const T *`.
+  const void *(*value)(const ElementAbstract &node) = nullptr;
 };
 
 /// The slots of a node whose shape has some; for reading.

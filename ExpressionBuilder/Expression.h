@@ -1,14 +1,24 @@
 #pragma once
 
 #include "ExpressionBuilder/Element.h"
+#include "ExpressionBuilder/LoweredTree.h"
 #include "ExpressionBuilder/SimpleVariableCollection.h"
 #include "ExpressionBuilder/VariableCollectionAbstract.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace ExpressionBuilder {
+
+/// The values of one variable in a number of rows, the first one first. They stay the caller's.
+struct VariableColumn {
+  VariableHandle<double> variable;
+  const double *values = nullptr;
+};
 
 /// What can be asked of an expression without knowing the type of its value.
 class ExpressionAbstract {
@@ -52,6 +62,18 @@ public:
   bool isConstant() const override;
   T evaluate() const override;
 
+  /// `evaluate` for each of a number of rows: results[i] is what `evaluate()` would give after
+  /// `variables().set(column.variable, column.values[i])` for all columns, bit for bit; of two columns for one
+  /// variable the last one counts. Much faster, and the variables are left as they are.
+  /// \param columns  values for some or all variables, `rows` each, with handles of `variables()`
+  /// \param results  room for `rows` values, which must not overlap the columns
+  /// \throws std::out_of_range  "Variable does not exist" when a handle is not the collection's; no result has
+  ///                            been written
+  /// \throws                    what `evaluate` throws for the first row for which it does; the results of the
+  ///                            rows before it have been written, and nothing behind them
+  /// Only for expressions over a `SimpleVariableCollection`; the others report std::logic_error "Invalid Cast".
+  void evaluateRows(const std::vector<VariableColumn> &columns, std::size_t rows, T *results) const;
+
   /// The variables that the root is evaluated against.
   virtual VariableCollectionAbstract &variables() = 0;
   virtual const VariableCollectionAbstract &variables() const = 0;
@@ -60,12 +82,18 @@ public:
   const Element<T> *root() const noexcept;
 
 protected:
-  explicit ExpressionBase(std::unique_ptr<Element<T>> root) noexcept;
-  ExpressionBase(const ExpressionBase &other);
+  /// `variables` is what `variables()` will give when that is a `SimpleVariableCollection`, null otherwise.
+  ExpressionBase(std::unique_ptr<Element<T>> root, const SimpleVariableCollection *variables) noexcept;
+  ExpressionBase(const ExpressionBase &other, const SimpleVariableCollection *variables);
+  ExpressionBase(const ExpressionBase &) = delete;
   ExpressionBase &operator=(const ExpressionBase &) = delete;
 
 private:
   std::unique_ptr<Element<T>> m_root;
+  bool evaluateBlocks(const std::vector<VariableColumn> &columns, std::size_t rows, T *results) const;
+
+  const SimpleVariableCollection *m_variables;
+  LoweredTree m_lowered;
 };
 
 /// An expression with a collection of variables of its own, embedded by value.
@@ -73,9 +101,10 @@ template <class T, class VariableCollection> class Expression : public Expressio
 public:
   /// Takes the root, which may be missing, and the variables.
   explicit Expression(std::unique_ptr<Element<T>> root, VariableCollection variables = VariableCollection())
-      : ExpressionBase<T>(std::move(root)), m_variables(std::move(variables)) {}
+      : ExpressionBase<T>(std::move(root), simple(m_variables)), m_variables(std::move(variables)) {}
   /// As clone().
-  Expression(const Expression &) = default;
+  Expression(const Expression &other)
+      : ExpressionBase<T>(other, simple(m_variables)), m_variables(other.m_variables) {}
   Expression &operator=(const Expression &) = delete;
   ~Expression() override = default;
 
@@ -86,6 +115,15 @@ public:
   const VariableCollection &variables() const override { return m_variables; }
 
 private:
+  /// Takes the address only; the collection need not be alive yet.
+  static const SimpleVariableCollection *simple(const VariableCollection &variables) noexcept {
+    if constexpr (std::is_same_v<VariableCollection, SimpleVariableCollection>) {
+      return &variables;
+    } else {
+      return nullptr;
+    }
+  }
+
   VariableCollection m_variables;
 };
 

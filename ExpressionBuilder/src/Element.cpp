@@ -37,6 +37,8 @@ template <class T> const ElementShape &opaqueShape() noexcept {
                                       &copyOpaque,
                                       &sameOpaque,
                                       nullptr,
+                                      nullptr,
+                                      {},
                                       nullptr};
   return shape;
 }
@@ -50,6 +52,8 @@ const ElementShape &untypedShape() noexcept {
                                       &copyOpaque,
                                       &sameOpaque,
                                       nullptr,
+                                      nullptr,
+                                      {},
                                       nullptr};
   return shape;
 }
@@ -57,8 +61,6 @@ const ElementShape &untypedShape() noexcept {
 } // namespace
 
 ElementAbstract::ElementAbstract() noexcept : ElementAbstract(untypedShape()) {}
-
-ElementAbstract::~ElementAbstract() = default;
 
 template <class T> Element<T>::Element() noexcept : Element(opaqueShape<T>()) {}
 

@@ -74,17 +74,18 @@ std::unique_ptr<ElementAbstract> ElementConditional<T>::copyWithoutChildren(cons
 }
 
 template <class T> const ElementShape &ElementConditional<T>::conditionalShape() noexcept {
-  static constexpr ElementShape shape{ElementShape::Form::Conditional,
-                                      ValueTypeOf<T>::code,
-                                      3,
-                                      &Base::childrenOfNode,
-                                      nullptr,
-                                      &copyWithoutChildren,
-                                      nullptr,
-                                      nullptr,
-                                      [](const ElementAbstract &node) {
-                                        return static_cast<const ElementConditional &>(node).m_selected;
-                                      }};
+  static constexpr ElementShape shape{
+      ElementShape::Form::Conditional,
+      ValueTypeOf<T>::code,
+      3,
+      &Base::childrenOfNode,
+      nullptr,
+      &copyWithoutChildren,
+      nullptr,
+      nullptr,
+      [](const ElementAbstract &node) { return static_cast<const ElementConditional &>(node).m_selected; },
+      {},
+      nullptr};
   return shape;
 }
 

@@ -13,6 +13,10 @@ template <class T> const T &valueOf(const ElementAbstract &node) {
   return static_cast<const ElementConstant<T> &>(node).value();
 }
 
+template <class T> const void *addressOf(const ElementAbstract &node) {
+  return &valueOf<T>(node);
+}
+
 template <class T>
 void computeConstant(const ElementAbstract &node, const VariableCollectionAbstract & /*collection*/,
                      EvaluationStack &stack) {
@@ -36,7 +40,9 @@ template <class T> const ElementShape &constantShape() noexcept {
                                       &copyConstant<T>,
                                       &sameConstant<T>,
                                       nullptr,
-                                      nullptr};
+                                      nullptr,
+                                      {},
+                                      &addressOf<T>};
   return shape;
 }
 

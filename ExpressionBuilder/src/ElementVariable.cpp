@@ -30,6 +30,8 @@ template <class T> const ElementShape &variableShape() noexcept {
                                       &copyVariable<T>,
                                       &sameVariable<T>,
                                       &nameOf<T>,
+                                      nullptr,
+                                      {},
                                       nullptr};
   return shape;
 }

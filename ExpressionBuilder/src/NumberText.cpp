@@ -17,6 +17,9 @@ namespace {
 /// Large enough for every text made here: a sign, 17 digits, a point and an exponent, or 20 digits.
 constexpr std::size_t kTextCapacity = 64;
 
+/// A little above the smallest double of full precision.
+constexpr double kSurelyInRange = 1e-300;
+
 /// The "C" locale of the C library, which `std::stod` cannot be told to use. Made once and never released:
 /// it must outlive every expression, static ones included.
 locale_t plainLocale() {
@@ -33,6 +36,12 @@ template <class... Arguments> std::string textByToChars(Arguments... arguments) 
 } // namespace
 
 LiteralNumber<double> readDoubleLiteral(const std::string &text) {
+  double quick = 0.0;
+  const std::from_chars_result read = std::from_chars(text.data(), text.data() + text.size(), quick);
+  // Both round correctly. What is small enough for doubts about its range is left to the C library.
+  if (read.ec == std::errc() && read.ptr == text.data() + text.size() && std::fabs(quick) > kSurelyInRange) {
+    return {quick, LiteralStatus::Ok};
+  }
   const int errnoBefore = errno;
   errno = 0;
   char *end = nullptr;

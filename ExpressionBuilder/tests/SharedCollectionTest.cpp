@@ -94,6 +94,23 @@ TEST(SharedCollectionTest, ThreadsEvaluatingOneExpression_AgreeOnItsValue) {
   EXPECT_EQ(wrong, 0);
 }
 
+TEST(SharedCollectionTest, ThreadsEvaluatingOneExpressionOfPlainVariables_AgreeOnItsValue) {
+  // The first thread that comes makes the program of the expression; the others wait for it or use it.
+  BuilderSingleType<double> builder;
+  builder.variables().declare("x", constant(2.5));
+  builder.variables().declare("y", constant(-4.0));
+  std::atomic<int> wrong{0};
+  for (int round = 0; round < kRounds / 10; ++round) {
+    const auto expression = builder.buildExpression("%x% * 2.0 + (%y% > 1.0 ? %y% : sqrt(%x% * 10.0))");
+    onThreads([&](int /*thread*/) {
+      if (expression->evaluate() != 10.0) {
+        ++wrong;
+      }
+    });
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
 TEST(SharedCollectionTest, RealCircle_IsFoundByEveryThread) {
   SimpleVariableCollection variables;
   variables.declare("x", makeVariable(ValueType::Double, "y"));
