@@ -4,6 +4,7 @@
 #include "ExpressionBuilder/Element.h"
 #include "ExpressionBuilder/FunctionTable.h"
 #include "ExpressionBuilder/SimpleVariableCollection.h"
+#include "ExpressionBuilder/Warnings.h"
 
 #include <cstddef>
 #include <map>
@@ -45,6 +46,15 @@ public:
   void parseLiteral(std::unique_ptr<ElementAbstract> &result, TextPosition &position,
                     TextPosition end) const override;
   std::unique_ptr<ElementAbstract> build(const std::string &text) const override;
+
+  /// As `build`, the same tree and the same errors, and lists what is legal in the text and seldom meant.
+  /// \param warnings  on success replaced by the warnings, ordered by their places; otherwise unchanged
+  virtual std::unique_ptr<ElementAbstract> buildWithWarnings(const std::string &text,
+                                                             std::vector<Warning> &warnings) const;
+
+  /// The warnings alone. `warningMessage` puts them into words.
+  /// \throws ParserError  what `build` throws
+  std::vector<Warning> warnings(const std::string &text) const;
   /// \}
 
   /// \name Options

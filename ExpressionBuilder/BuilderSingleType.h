@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace ExpressionBuilder {
 
@@ -21,6 +22,9 @@ public:
   void parseLiteral(std::unique_ptr<ElementAbstract> &result, TextPosition &position,
                     TextPosition end) const override;
   std::unique_ptr<ElementAbstract> build(const std::string &text) const override;
+  /// The conversion of the result as a whole is nothing to warn of.
+  std::unique_ptr<ElementAbstract> buildWithWarnings(const std::string &text,
+                                                     std::vector<Warning> &warnings) const override;
 
   /// `build` as the type that the root has.
   std::unique_ptr<Element<T>> buildElement(const std::string &text) const;

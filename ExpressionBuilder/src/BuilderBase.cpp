@@ -5,6 +5,7 @@
 #include "ExpressionBuilder/Functions.h"
 #include "ExpressionBuilder/src/ExpressionParser.h"
 #include "ExpressionBuilder/src/Literals.h"
+#include "ExpressionBuilder/src/WarningRecorder.h"
 
 #include <stdexcept>
 #include <utility>
@@ -15,6 +16,21 @@ namespace {
 
 /// Loosest precedence of a text as a whole.
 constexpr int kWholeLevel = 11;
+
+std::unique_ptr<ElementAbstract> buildText(const BuilderBase &builder, const std::string &text,
+                                           WarningRecorder *recorder) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string::npos) {
+    throw ParserError("Empty expression", text.size());
+  }
+  // Begins at the text's own beginning, so that offsets count from there; the parser skips the blanks again.
+  ExpressionParser parser(builder, text.begin(), text.end(), recorder);
+  std::unique_ptr<ElementAbstract> root = parser.parse(kWholeLevel, true, ParseMode::Whole);
+  if (root == nullptr || parser.position() != text.end()) {
+    throw ParserError("Syntax error", static_cast<std::size_t>(parser.position() - text.begin()));
+  }
+  return root;
+}
 
 } // namespace
 
@@ -62,17 +78,21 @@ void BuilderBase::parseLiteral(std::unique_ptr<ElementAbstract> &result, TextPos
 }
 
 std::unique_ptr<ElementAbstract> BuilderBase::build(const std::string &text) const {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string::npos) {
-    throw ParserError("Empty expression", text.size());
-  }
-  // Begins at the text's own beginning, so that offsets count from there; the parser skips the blanks again.
-  ExpressionParser parser(*this, text.begin(), text.end());
-  std::unique_ptr<ElementAbstract> root = parser.parse(kWholeLevel, true, ParseMode::Whole);
-  if (root == nullptr || parser.position() != text.end()) {
-    throw ParserError("Syntax error", static_cast<std::size_t>(parser.position() - text.begin()));
-  }
+  return buildText(*this, text, nullptr);
+}
+
+std::unique_ptr<ElementAbstract> BuilderBase::buildWithWarnings(const std::string &text,
+                                                                std::vector<Warning> &warnings) const {
+  WarningRecorder recorder(text.begin(), text.end());
+  std::unique_ptr<ElementAbstract> root = buildText(*this, text, &recorder);
+  warnings = recorder.take();
   return root;
+}
+
+std::vector<Warning> BuilderBase::warnings(const std::string &text) const {
+  std::vector<Warning> warnings;
+  buildWithWarnings(text, warnings);
+  return warnings;
 }
 
 bool BuilderBase::foldConstants() const noexcept {

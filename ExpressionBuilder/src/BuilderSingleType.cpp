@@ -56,6 +56,16 @@ std::unique_ptr<ElementAbstract> BuilderSingleType<T>::build(const std::string &
 }
 
 template <class T>
+std::unique_ptr<ElementAbstract>
+BuilderSingleType<T>::buildWithWarnings(const std::string &text, std::vector<Warning> &warnings) const {
+  std::vector<Warning> found;
+  std::unique_ptr<ElementAbstract> root = BuilderBase::buildWithWarnings(text, found);
+  root = convertedRoot<T>(*this, std::move(root), text.begin(), text.end());
+  warnings = std::move(found);
+  return root;
+}
+
+template <class T>
 std::unique_ptr<Element<T>> BuilderSingleType<T>::buildElement(const std::string &text) const {
   return convertedRoot<T>(*this, BuilderBase::build(text), text.begin(), text.end());
 }

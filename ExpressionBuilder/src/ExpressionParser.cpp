@@ -3,6 +3,7 @@
 #include "ExpressionBuilder/Exceptions.h"
 #include "ExpressionBuilder/src/Characters.h"
 #include "ExpressionBuilder/src/Literals.h"
+#include "ExpressionBuilder/src/WarningRecorder.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -36,8 +37,9 @@ template <class Function> auto withPlace(std::size_t offset, Function &&function
 
 } // namespace
 
-ExpressionParser::ExpressionParser(const BuilderBase &builder, TextPosition begin, TextPosition end)
-    : m_builder(builder), m_begin(begin), m_end(end), m_position(begin) {}
+ExpressionParser::ExpressionParser(const BuilderBase &builder, TextPosition begin, TextPosition end,
+                                   WarningRecorder *recorder)
+    : m_builder(builder), m_begin(begin), m_end(end), m_position(begin), m_recorder(recorder) {}
 
 std::unique_ptr<ElementAbstract> ExpressionParser::parse(int level, bool sameLevel, ParseMode mode) {
   if (static_cast<std::size_t>(m_end - m_begin) > BuilderBase::kMaximumTextBytes) {
@@ -52,6 +54,9 @@ std::unique_ptr<ElementAbstract> ExpressionParser::parse(int level, bool sameLev
     const Purpose purpose = call().purpose;
     std::unique_ptr<ElementAbstract> value = std::move(call().left);
     m_calls.pop_back();
+    if (m_recorder != nullptr) {
+      m_recorder->close(m_position);
+    }
     if (purpose == Purpose::Whole) {
       return value;
     }
@@ -65,6 +70,9 @@ void ExpressionParser::open(Purpose purpose, int level, bool sameLevel, ParseMod
   }
   m_calls.push_back(Call{nullptr, nullptr, m_position, level, mode, purpose, sameLevel, BinaryOperator::Add,
                          ValueType::Double});
+  if (m_recorder != nullptr) {
+    m_recorder->open(m_position);
+  }
 }
 
 bool ExpressionParser::takes(int precedence) {
@@ -334,6 +342,9 @@ void ExpressionParser::resume(Purpose purpose, Step ending, std::unique_ptr<Elem
       fail("Syntax error", m_position);
     }
     call().left = std::move(value);
+    if (m_recorder != nullptr) {
+      m_recorder->pass();
+    }
     return;
   case Purpose::Argument:
     resumeArgument(std::move(value));
@@ -350,6 +361,11 @@ void ExpressionParser::resume(Purpose purpose, Step ending, std::unique_ptr<Elem
 void ExpressionParser::resumeOperand(Purpose purpose, std::unique_ptr<ElementAbstract> value) {
   if (value == nullptr) {
     fail("No right hand side of unary operator", m_position);
+  }
+  if (m_recorder != nullptr && purpose == Purpose::NotOperand) {
+    m_recorder->logicalNot(value->type());
+  } else if (m_recorder != nullptr && purpose == Purpose::PlusOperand) {
+    m_recorder->pass();
   }
   const auto offset = static_cast<std::size_t>(call().place - m_begin);
   call().left = withPlace(offset, [&]() -> std::unique_ptr<ElementAbstract> {
@@ -369,6 +385,9 @@ void ExpressionParser::resumeOperand(Purpose purpose, std::unique_ptr<ElementAbs
 void ExpressionParser::resumeBinary(std::unique_ptr<ElementAbstract> value) {
   if (value == nullptr) {
     fail("Syntax error - Right hand side invalid", m_position);
+  }
+  if (m_recorder != nullptr) {
+    m_recorder->binary(call().operation, call().place, call().left->type(), value->type());
   }
   const auto offset = static_cast<std::size_t>(call().place - m_begin);
   call().left = withPlace(offset, [&] {
@@ -422,12 +441,19 @@ void ExpressionParser::resumeTrueBranch(Step ending, std::unique_ptr<ElementAbst
     fail("Syntax error", m_position);
   }
   call().trueBranch = std::move(value);
+  if (m_recorder != nullptr) {
+    m_recorder->trueBranch();
+  }
   open(Purpose::FalseBranch, kConditional, true, ParseMode::Whole);
 }
 
 void ExpressionParser::resumeFalseBranch(std::unique_ptr<ElementAbstract> value) {
   if (value == nullptr) {
     fail("Syntax error - False expression", m_position);
+  }
+  if (m_recorder != nullptr) {
+    m_recorder->conditional(call().place, call().left->type(),
+                            mergedValueType(call().trueBranch->type(), value->type()));
   }
   const auto offset = static_cast<std::size_t>(call().place - m_begin);
   call().left = withPlace(offset, [&] {

@@ -10,12 +10,16 @@
 
 namespace ExpressionBuilder {
 
+class WarningRecorder;
+
 /// One run of the precedence parser. What reads like calls of one function within another - the operand of
 /// an operator, the inside of brackets, an argument, a branch - is a stack of `Call`s on the heap, so that
 /// nesting does not use the thread's stack.
 class ExpressionParser {
 public:
-  ExpressionParser(const BuilderBase &builder, TextPosition begin, TextPosition end);
+  /// \param recorder  what is told about calls and operands, so that it finds what to warn of; null for nothing
+  ExpressionParser(const BuilderBase &builder, TextPosition begin, TextPosition end,
+                   WarningRecorder *recorder = nullptr);
 
   /// The root, empty when nothing was parsed.
   std::unique_ptr<ElementAbstract> parse(int level, bool sameLevel, ParseMode mode);
@@ -104,6 +108,7 @@ private:
   TextPosition m_position;
   std::vector<Call> m_calls;
   std::vector<FunctionCall> m_functionCalls;
+  WarningRecorder *const m_recorder;
 };
 
 } // namespace ExpressionBuilder
