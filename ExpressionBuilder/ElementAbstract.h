@@ -2,6 +2,7 @@
 
 #include "ExpressionBuilder/ValueType.h"
 
+#include <cstddef>
 #include <memory>
 
 namespace ExpressionBuilder {
@@ -57,6 +58,10 @@ public:
 
   ElementAbstract(const ElementAbstract &) = delete;
   ElementAbstract &operator=(const ElementAbstract &) = delete;
+
+  /// Nodes have memory of their own, in which making and releasing many small objects is cheap.
+  static void *operator new(std::size_t size);
+  static void operator delete(void *memory, std::size_t size) noexcept;
 
   /// How the tree operations see this node; of no use to applications.
   const ElementShape &shape() const noexcept { return *m_shape; }

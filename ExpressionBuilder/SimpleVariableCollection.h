@@ -155,6 +155,9 @@ private:
   /// Whether another collection may have the same names object; it then is not written any more.
   mutable std::atomic<bool> m_namesAreShared{false};
   std::vector<Slot> m_slots;
+  /// Number of the variable that `replace` tries first: who replaces all values for each row of a matrix does
+  /// it in one order.
+  std::size_t m_likelyNext = 0;
   std::uint64_t m_layout = 1;
   /// The upper part is this collection's alone, as long as its handles are valid; the lower part counts how
   /// often values have moved.

@@ -1,6 +1,7 @@
 #include "ExpressionBuilder/Element.h"
 
 #include "ExpressionBuilder/ElementShape.h"
+#include "ExpressionBuilder/src/NodeStorage.h"
 
 #include <stdexcept>
 
@@ -61,6 +62,14 @@ const ElementShape &untypedShape() noexcept {
 } // namespace
 
 ElementAbstract::ElementAbstract() noexcept : ElementAbstract(untypedShape()) {}
+
+void *ElementAbstract::operator new(std::size_t size) {
+  return NodeStorage::allocate(size);
+}
+
+void ElementAbstract::operator delete(void *memory, std::size_t size) noexcept {
+  NodeStorage::release(memory, size);
+}
 
 template <class T> Element<T>::Element() noexcept : Element(opaqueShape<T>()) {}
 

@@ -166,21 +166,24 @@ bool SimpleVariableCollection::declare(std::string_view name, std::unique_ptr<El
 }
 
 void SimpleVariableCollection::replace(std::string_view name, std::unique_ptr<ElementAbstract> definition) {
-  const Slot *const slot = findSlot(name);
-  if (slot == nullptr) {
+  const std::optional<std::size_t> number =
+      m_names == nullptr ? std::nullopt : m_names->find(name, m_likelyNext);
+  if (!number) {
     throw std::out_of_range("Variable does not exist");
   }
-  if (slot->isPlain && slot->type == ValueType::Double && definition != nullptr &&
+  m_likelyNext = *number + 1 == m_slots.size() ? 0 : *number + 1;
+  Slot &slot = m_slots[*number];
+  if (slot.isPlain && slot.type == ValueType::Double && definition != nullptr &&
       isExactly<double>(*definition)) {
     // The usual case, with as little as possible for each row of a study.
-    static_cast<ElementConstant<double> &>(*slot->definition)
+    static_cast<ElementConstant<double> &>(*slot.definition)
         .setValue(static_cast<const ElementConstant<double> &>(*definition).value());
     return;
   }
-  if (definition == nullptr || definition->type() != slot->type) {
+  if (definition == nullptr || definition->type() != slot.type) {
     throw std::runtime_error("Invalid Type");
   }
-  replaceDefinition(m_slots[static_cast<std::size_t>(slot - m_slots.data())], std::move(definition));
+  replaceDefinition(slot, std::move(definition));
 }
 
 void SimpleVariableCollection::replaceDefinition(Slot &slot, std::unique_ptr<ElementAbstract> definition) {

@@ -82,7 +82,9 @@ std::optional<std::size_t> VariableNames::add(std::string_view name) {
     grow();
   }
   const std::size_t number = m_names.size();
+  m_byNumber.reserve(m_table.size());
   m_names.emplace_back(name);
+  m_byNumber.push_back(&m_names.back());
   enter({&m_names.back(), hash, number});
   return number;
 }
@@ -90,6 +92,13 @@ std::optional<std::size_t> VariableNames::add(std::string_view name) {
 std::optional<std::size_t> VariableNames::find(std::string_view name) const {
   const Entry *const entry = findEntry(name, hashOf(name));
   return entry == nullptr ? std::nullopt : std::optional<std::size_t>(entry->number);
+}
+
+std::optional<std::size_t> VariableNames::find(std::string_view name, std::size_t guess) const {
+  if (guess < m_byNumber.size() && isSame(*m_byNumber[guess], name)) {
+    return guess;
+  }
+  return find(name);
 }
 
 const VariableNames::Entry *VariableNames::findEntry(std::string_view name,

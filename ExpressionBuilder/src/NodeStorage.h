@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+namespace ExpressionBuilder {
+
+/// Memory for the nodes of trees. A tree has very many small nodes that come and go together, and a general
+/// allocator spends more time on them than all that is computed with them. Nodes are cut from chunks one after
+/// another; a chunk is released when all its nodes are. Each thread cuts from a chunk of its own, and a node may
+/// be released by any thread.
+namespace NodeStorage {
+
+/// Memory for an object of the size, aligned for any member of a node.
+/// \throws std::bad_alloc
+void *allocate(std::size_t size);
+
+/// \param size  as it was allocated
+void release(void *memory, std::size_t size) noexcept;
+
+} // namespace NodeStorage
+
+} // namespace ExpressionBuilder
