@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace ExpressionBuilder {
 
@@ -17,10 +18,10 @@ template <class T> struct LiteralNumber {
 
 /// A literal with "." or an exponent, read as `std::stod` reads in the "C" locale: the longest prefix that is
 /// a number counts. Out of range are also numbers too small for full precision, such as "1e-310".
-LiteralNumber<double> readDoubleLiteral(const std::string &text);
+LiteralNumber<double> readDoubleLiteral(std::string_view text);
 
 /// A whole-number literal, decimal, read as `std::stoi` does.
-LiteralNumber<int> readIntLiteral(const std::string &text);
+LiteralNumber<int> readIntLiteral(std::string_view text);
 
 /// The value that a stream in the classic locale extracts from the text: white space first is skipped, the
 /// characters that can belong to a number are taken. Without a number 0 (false); beyond the range of T the

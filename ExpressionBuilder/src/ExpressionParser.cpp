@@ -45,6 +45,8 @@ std::unique_ptr<ElementAbstract> ExpressionParser::parse(int level, bool sameLev
   if (static_cast<std::size_t>(m_end - m_begin) > BuilderBase::kMaximumTextBytes) {
     fail("Syntax error", m_begin);
   }
+  constexpr std::size_t kUsualDepth = 16;
+  m_calls.reserve(kUsualDepth);
   open(Purpose::Whole, level, sameLevel, mode);
   for (;;) {
     const Step ending = step();
@@ -156,7 +158,7 @@ ExpressionParser::Step ExpressionParser::stepName() {
       fail("Syntax error", place);
     }
     ++m_position;
-    m_functionCalls.push_back({overloads, place, {}, {}});
+    openFunction(*overloads, place);
     open(Purpose::Argument, kBracket, true, ParseMode::Argument);
     return Step::GoesOn;
   }
@@ -392,13 +394,15 @@ void ExpressionParser::resumeBinary(std::unique_ptr<ElementAbstract> value) {
   const auto offset = static_cast<std::size_t>(call().place - m_begin);
   call().left = withPlace(offset, [&] {
     const ValueType type = value->type();
-    std::unique_ptr<ElementAbstract> left = m_builder.castTo(type, std::move(call().left));
-    return m_builder.fold(makeBinary(call().operation, type, std::move(left), std::move(value)));
+    if (call().left->type() != type) {
+      call().left = m_builder.castTo(type, std::move(call().left));
+    }
+    return m_builder.fold(makeBinary(call().operation, type, std::move(call().left), std::move(value)));
   });
 }
 
 void ExpressionParser::resumeArgument(std::unique_ptr<ElementAbstract> value) {
-  FunctionCall &function = m_functionCalls.back();
+  FunctionCall &function = m_functionCalls[m_openFunctions - 1];
   function.types.push_back(value == nullptr ? ValueType{} : value->type());
   function.arguments.push_back(std::move(value));
   skipBlanks();
@@ -414,9 +418,22 @@ void ExpressionParser::resumeArgument(std::unique_ptr<ElementAbstract> value) {
   }
 }
 
+void ExpressionParser::openFunction(const OverloadTable &overloads, TextPosition place) {
+  // A finished call's place is used again, so that its vectors need not allocate.
+  if (m_openFunctions == m_functionCalls.size()) {
+    m_functionCalls.emplace_back();
+  }
+  FunctionCall &function = m_functionCalls[m_openFunctions];
+  ++m_openFunctions;
+  function.overloads = &overloads;
+  function.place = place;
+  function.arguments.clear();
+  function.types.clear();
+}
+
 std::unique_ptr<ElementAbstract> ExpressionParser::finishFunction() {
-  FunctionCall function = std::move(m_functionCalls.back());
-  m_functionCalls.pop_back();
+  --m_openFunctions;
+  FunctionCall &function = m_functionCalls[m_openFunctions];
   const auto overload = function.overloads->find(function.types);
   if (overload == function.overloads->end()) {
     fail("Function does not support the current argument types", function.place);

@@ -66,7 +66,7 @@ private:
   };
 
   struct FunctionCall {
-    const OverloadTable *overloads;
+    const OverloadTable *overloads = nullptr;
     TextPosition place;
     FunctionArguments arguments;
     std::vector<ValueType> types;
@@ -100,6 +100,7 @@ private:
   void resumeArgument(std::unique_ptr<ElementAbstract> value);
   void resumeTrueBranch(Step ending, std::unique_ptr<ElementAbstract> value);
   void resumeFalseBranch(std::unique_ptr<ElementAbstract> value);
+  void openFunction(const OverloadTable &overloads, TextPosition place);
   std::unique_ptr<ElementAbstract> finishFunction();
 
   const BuilderBase &m_builder;
@@ -107,7 +108,9 @@ private:
   const TextPosition m_end;
   TextPosition m_position;
   std::vector<Call> m_calls;
+  /// The first m_openFunctions are under way.
   std::vector<FunctionCall> m_functionCalls;
+  std::size_t m_openFunctions = 0;
   WarningRecorder *const m_recorder;
 };
 

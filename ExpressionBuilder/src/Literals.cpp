@@ -16,7 +16,7 @@ bool isSign(char c) noexcept {
 }
 
 struct NumberScan {
-  std::string text;
+  std::string_view text;
   bool isWhole;
 };
 
@@ -38,7 +38,7 @@ NumberScan scanNumber(TextPosition &position, TextPosition end) {
     hasExponent = hasExponent || isExponentMark;
     isSignAllowed = isExponentMark;
   }
-  return {std::string(begin, position), !hasPoint && !hasExponent};
+  return {std::string_view(&*begin, static_cast<std::size_t>(position - begin)), !hasPoint && !hasExponent};
 }
 
 template <class T> Literal literalOf(const LiteralNumber<T> &number) {

@@ -35,7 +35,7 @@ template <class... Arguments> std::string textByToChars(Arguments... arguments) 
 
 } // namespace
 
-LiteralNumber<double> readDoubleLiteral(const std::string &text) {
+LiteralNumber<double> readDoubleLiteral(std::string_view text) {
   double quick = 0.0;
   const std::from_chars_result read = std::from_chars(text.data(), text.data() + text.size(), quick);
   // Both round correctly. What is small enough for doubts about its range is left to the C library.
@@ -45,16 +45,17 @@ LiteralNumber<double> readDoubleLiteral(const std::string &text) {
   const int errnoBefore = errno;
   errno = 0;
   char *end = nullptr;
-  const double value = strtod_l(text.c_str(), &end, plainLocale());
+  const std::string terminated(text);
+  const double value = strtod_l(terminated.c_str(), &end, plainLocale());
   const bool isOutOfRange = errno == ERANGE;
   errno = errnoBefore;
-  if (end == text.c_str()) {
+  if (end == terminated.c_str()) {
     return {0.0, LiteralStatus::NotANumber};
   }
   return {value, isOutOfRange ? LiteralStatus::OutOfRange : LiteralStatus::Ok};
 }
 
-LiteralNumber<int> readIntLiteral(const std::string &text) {
+LiteralNumber<int> readIntLiteral(std::string_view text) {
   const char *begin = text.data();
   const char *const end = begin + text.size();
   // from_chars knows no leading "+", and "+-1" is no number.

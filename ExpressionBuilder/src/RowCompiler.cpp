@@ -38,7 +38,14 @@ bool isComparison(Code code) {
 /// instruction can do them together with the operation that follows.
 class RowCompiler {
 public:
-  explicit RowCompiler(const SimpleVariableCollection &variables) : m_variables(variables) {}
+  explicit RowCompiler(const SimpleVariableCollection &variables) : m_variables(variables) {
+    // Enough for most expressions; to grow step by step would take longer than all the rest.
+    constexpr std::size_t kUsualDepth = 16;
+    constexpr std::size_t kUsualLength = 32;
+    m_frames.reserve(kUsualDepth);
+    m_operands.reserve(kUsualDepth);
+    m_instructions.reserve(kUsualLength);
+  }
 
   bool compile(const ElementAbstract &root) {
     visit(root);
@@ -78,11 +85,12 @@ private:
   };
   using Kind = Operand::Kind;
 
+  /// Small, because a sum of a million terms is a million frames deep.
   struct Frame {
     const ElementAbstract *node;
-    std::size_t stage;
     /// Conditional: the jump over the true branch, then the one over the false branch.
-    std::size_t jump;
+    std::uint32_t jump;
+    std::uint16_t stage;
     /// Conditional: the condition when it compares two leaves, otherwise Unknown.
     Code comparison;
   };
@@ -103,7 +111,7 @@ private:
         m_failed = true;
         return;
       }
-      m_frames.push_back({&node, 0, kNone, Code::Unknown});
+      m_frames.push_back({&node, 0, 0, Code::Unknown});
       return;
     case Form::Conditional:
       visitConditional(node);
@@ -154,7 +162,7 @@ private:
     if (m_valueAt != kNone) {
       spill();
     }
-    m_frames.push_back({&node, 0, kNone, Code::Unknown});
+    m_frames.push_back({&node, 0, 0, Code::Unknown});
   }
 
   void step() {
@@ -219,7 +227,7 @@ private:
       frame.comparison = m_jumpComparison;
     }
     m_operands.pop_back();
-    frame.jump = m_instructions.size() - 1;
+    frame.jump = static_cast<std::uint32_t>(m_instructions.size() - 1);
   }
 
   /// Whether the false branch is still to be lowered.
@@ -247,7 +255,7 @@ private:
     }
     m_operands.pop_back();
     m_valueAt = kNone;
-    const std::size_t jump = m_instructions.size();
+    const auto jump = static_cast<std::uint32_t>(m_instructions.size());
     emit(RowHandlers::jump());
     land(frame.jump);
     frame.jump = jump;

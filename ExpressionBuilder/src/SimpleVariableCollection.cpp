@@ -89,7 +89,12 @@ SimpleVariableCollection::SimpleVariableCollection(const SimpleVariableCollectio
   other.m_namesAreShared = true;
   m_slots.reserve(other.m_slots.size());
   for (const Slot &slot : other.m_slots) {
-    m_slots.push_back({slot.definition->cloneAbstract(), slot.type, slot.isPlain});
+    const ElementAbstract &definition = *slot.definition;
+    const bool isPlainDouble = slot.isPlain && slot.type == ValueType::Double;
+    m_slots.push_back({isPlainDouble ? std::make_unique<ElementConstant<double>>(
+                                           static_cast<const ElementConstant<double> &>(definition).value())
+                                     : definition.cloneAbstract(),
+                       slot.type, slot.isPlain});
   }
 }
 

@@ -1,0 +1,96 @@
+#include "benchmarks/expression/Measurement.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <ctime>
+#include <system_error>
+#include <utility>
+
+namespace ExpressionBenchmark {
+
+namespace {
+
+double secondsOf(const Way &way, std::size_t times) {
+  const double begin = processorSeconds();
+  way(times);
+  return processorSeconds() - begin;
+}
+
+// How often a way does its thing within one repetition.
+std::size_t calibrate(const Way &way, double seconds) {
+  std::size_t times = 1;
+  double taken = secondsOf(way, times);
+  while (taken < seconds / 4.0) {
+    times *= 2;
+    taken = secondsOf(way, times);
+  }
+  const double wanted = std::ceil(static_cast<double>(times) * seconds / taken);
+  return std::max<std::size_t>(1, static_cast<std::size_t>(wanted));
+}
+
+} // namespace
+
+double processorSeconds() {
+  std::timespec time{};
+  if (clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time) != 0) {
+    throw std::system_error(errno, std::generic_category(), "clock_gettime");
+  }
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+std::vector<double> measureInterleaved(const std::vector<Way> &ways, const Effort &effort) {
+  std::vector<std::size_t> times;
+  times.reserve(ways.size());
+  for (const Way &way : ways) {
+    times.push_back(calibrate(way, effort.secondsPerRepetition));
+  }
+  std::vector<std::vector<double>> seconds(ways.size());
+  for (std::size_t repetition = 0; repetition < effort.repetitions; ++repetition) {
+    for (std::size_t turn = 0; turn < ways.size(); ++turn) {
+      const std::size_t way = (repetition + turn) % ways.size();
+      seconds[way].push_back(secondsOf(ways[way], times[way]) / static_cast<double>(times[way]));
+    }
+  }
+  std::vector<double> medians;
+  medians.reserve(ways.size());
+  for (std::vector<double> &of : seconds) {
+    medians.push_back(median(std::move(of)));
+  }
+  return medians;
+}
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  if (values.size() % 2 == 1) {
+    return *middle;
+  }
+  return (*std::max_element(values.begin(), middle) + *middle) / 2.0;
+}
+
+void Ratios::add(const std::string &name, double ratio) {
+  m_ratios.push_back(ratio);
+  m_names.push_back(name);
+  if (ratio > m_ratios[m_worst]) {
+    m_worst = m_ratios.size() - 1;
+  }
+}
+
+double Ratios::geometricMean() const {
+  double sum = 0.0;
+  for (const double ratio : m_ratios) {
+    sum += std::log(ratio);
+  }
+  return std::exp(sum / static_cast<double>(m_ratios.size()));
+}
+
+double Ratios::worst() const {
+  return m_ratios.at(m_worst);
+}
+
+std::string Ratios::worstName() const {
+  return m_names.at(m_worst);
+}
+
+} // namespace ExpressionBenchmark
