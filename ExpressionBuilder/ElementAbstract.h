@@ -61,7 +61,7 @@ public:
 
   /// Nodes have memory of their own, in which making and releasing many small objects is cheap.
   static void *operator new(std::size_t size);
-  static void operator delete(void *memory, std::size_t size) noexcept;
+  static void operator delete(void *memory) noexcept;
 
   /// How the tree operations see this node; of no use to applications.
   const ElementShape &shape() const noexcept { return *m_shape; }

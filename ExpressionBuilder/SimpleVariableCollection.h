@@ -85,7 +85,7 @@ public:
   /// \throws std::out_of_range   "Variable does not exist" when the handle is not this collection's; nothing
   ///                             has changed
   template <class T> void set(const VariableHandle<T> &variable, T value) {
-    if (variable.m_stamp == m_stamp) {
+    if (variable.m_stamp == m_stamp && variable.m_value != nullptr) {
       *variable.m_value = std::move(value);
     } else {
       setDefinition(variable.m_stamp, variable.m_slot, std::move(value));

@@ -67,8 +67,8 @@ void *ElementAbstract::operator new(std::size_t size) {
   return NodeStorage::allocate(size);
 }
 
-void ElementAbstract::operator delete(void *memory, std::size_t size) noexcept {
-  NodeStorage::release(memory, size);
+void ElementAbstract::operator delete(void *memory) noexcept {
+  NodeStorage::release(memory);
 }
 
 template <class T> Element<T>::Element() noexcept : Element(opaqueShape<T>()) {}

@@ -30,7 +30,7 @@ struct alignas(kAlignment) Chunk {
 
 void destroy(Chunk *chunk) noexcept {
   chunk->~Chunk();
-  ::operator delete(chunk, kChunkBytes, std::align_val_t(kChunkBytes));
+  ::operator delete(chunk, std::align_val_t(kChunkBytes));
 }
 
 /// The chunk that a thread cuts from.
@@ -44,17 +44,18 @@ public:
     m_ended = true;
   }
 
+  /// Null when the thread is ending and nobody would give the chunk up later.
   void *cut(std::size_t size) {
     if (size > m_left) {
+      if (m_ended) {
+        return nullptr;
+      }
       begin();
     }
     void *const memory = m_next;
     m_next += size;
     m_left -= size;
     ++m_alive;
-    if (m_ended) {
-      giveUp(); // the thread is ending, and nobody will do it later
-    }
     return memory;
   }
 
@@ -119,16 +120,30 @@ std::size_t rounded(std::size_t size) noexcept {
 } // namespace
 
 void *allocate(std::size_t size) {
-  return kUsesChunks && size <= kLargestNode ? t_cutter.cut(rounded(size)) : ::operator new(size);
+  if (!kUsesChunks) {
+    return ::operator new(size);
+  }
+  void *const cut = size <= kLargestNode ? t_cutter.cut(rounded(size)) : nullptr;
+  if (cut != nullptr) {
+    return cut;
+  }
+  // A chunk of its own, in which it is the only node.
+  void *const memory = ::operator new(sizeof(Chunk) + size, std::align_val_t(kChunkBytes));
+  auto *const chunk = new (memory) Chunk;
+  chunk->count.store(1, std::memory_order_relaxed);
+  return static_cast<char *>(memory) + sizeof(Chunk);
 }
 
-void release(void *memory, std::size_t size) noexcept {
-  if (!kUsesChunks || size > kLargestNode) {
+void release(void *memory) noexcept {
+  if (!kUsesChunks) {
     ::operator delete(memory);
     return;
   }
-  auto *const chunk =
-      reinterpret_cast<Chunk *>(reinterpret_cast<std::uintptr_t>(memory) & ~(kChunkBytes - 1));
+  if (memory == nullptr) {
+    return;
+  }
+  const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(memory) & (kChunkBytes - 1);
+  auto *const chunk = reinterpret_cast<Chunk *>(static_cast<char *>(memory) - offset);
   if (t_cutter.owns(chunk)) {
     t_cutter.release();
   } else if (chunk->count.fetch_sub(1, std::memory_order_acq_rel) == 1) {

@@ -14,8 +14,8 @@ namespace NodeStorage {
 /// \throws std::bad_alloc
 void *allocate(std::size_t size);
 
-/// \param size  as it was allocated
-void release(void *memory, std::size_t size) noexcept;
+/// An empty pointer is fine.
+void release(void *memory) noexcept;
 
 } // namespace NodeStorage
 

@@ -16,7 +16,7 @@ bool isContinuationByte(char c) noexcept {
 }
 
 std::string textIn(const TextRange &range, const std::string &text) {
-  const std::string part = text.substr(std::min(range.offset, text.size()), range.length);
+  std::string part = text.substr(std::min(range.offset, text.size()), range.length);
   if (part.size() <= kShownBytes) {
     return part;
   }

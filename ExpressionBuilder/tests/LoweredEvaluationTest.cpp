@@ -4,9 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cmath>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -15,6 +14,7 @@ namespace ExpressionBuilder {
 namespace {
 
 using Testing::constant;
+using Testing::filled;
 
 // An expression is evaluated by a program into which its tree has been lowered; the tree itself, evaluated
 // against the same variables, says what must come out.
@@ -66,7 +66,7 @@ template <class T, class Function> std::string outcome(Function function) {
   try {
     const T value = function();
     if constexpr (std::is_same_v<T, double>) {
-      if (value != value) {
+      if (std::isnan(value)) {
         return "nan";
       }
     }
@@ -116,10 +116,11 @@ TEST(LoweredEvaluationTest, TwoOperandsInEveryState_GiveTheTreesValue) {
   for (const std::string &x : kOperands) {
     for (const std::string &y : kOperands) {
       for (const std::string &op : kOperators) {
-        EXPECT_EQ(disagreements<double>(x + op + y), 0) << x + op + y;
+        const std::string text = filled("@@@", {x, op, y});
+        EXPECT_EQ(disagreements<double>(text), 0) << text;
       }
       for (const std::string &function : kFunctions) {
-        const std::string text = function + "(" + x + "," + y + ")";
+        const std::string text = filled("@(@,@)", {function, x, y});
         EXPECT_EQ(disagreements<double>(text), 0) << text;
       }
     }
@@ -132,9 +133,9 @@ TEST(LoweredEvaluationTest, ThreeOperandsInEveryState_GiveTheTreesValue) {
     for (const std::string &y : operands) {
       for (const std::string &z : operands) {
         for (const std::string &op : kOperators) {
-          const std::string right = "abs(%c%)" + op + "(" + x + "-" + y + "*" + z + ")";
+          const std::string right = filled("abs(%c%)@(@-@*@)", {op, x, y, z});
           EXPECT_EQ(disagreements<double>(right), 0) << right;
-          const std::string left = "(" + x + op + y + ")/" + z;
+          const std::string left = filled("(@@@)/@", {x, op, y, z});
           EXPECT_EQ(disagreements<double>(left), 0) << left;
         }
       }
@@ -146,7 +147,7 @@ TEST(LoweredEvaluationTest, ComparisonsOfOperandsInEveryState_SelectTheTreesBran
   for (const std::string &x : kOperands) {
     for (const std::string &y : kOperands) {
       for (const std::string &comparison : kComparisons) {
-        const std::string text = "abs(%d%)+((" + x + comparison + y + ")?" + x + ":" + y + ")";
+        const std::string text = filled("abs(%d%)+((@@@)?@:@)", {x, comparison, y, x, y});
         EXPECT_EQ(disagreements<double>(text), 0) << text;
       }
     }
@@ -156,10 +157,10 @@ TEST(LoweredEvaluationTest, ComparisonsOfOperandsInEveryState_SelectTheTreesBran
 TEST(LoweredEvaluationTest, ComparisonsAsValues_AreTheTrees) {
   for (const std::string &x : kOperands) {
     for (const std::string &comparison : kComparisons) {
-      const std::string text = "abs(%b%) < 2.0 && (" + x + comparison + "%c%) || !(abs(%a%)" + comparison +
-                               x + ") && (" + x + comparison + "abs(%d%))";
+      const std::string text = filled("abs(%b%) < 2.0 && (@@%c%) || !(abs(%a%)@@) && (@@abs(%d%))",
+                                      {x, comparison, comparison, x, x, comparison});
       EXPECT_EQ(disagreements<bool>(text), 0) << text;
-      EXPECT_EQ(disagreements<double>("(double)(" + text + ") + abs(%a%)"), 0) << text;
+      EXPECT_EQ(disagreements<double>(filled("(double)(@) + abs(%a%)", {text})), 0) << text;
     }
   }
 }
@@ -170,7 +171,7 @@ TEST(LoweredEvaluationTest, NestedConditionals_GiveTheTreesValue) {
   for (const std::string &yes : branches) {
     for (const std::string &no : branches) {
       for (const std::string &condition : Names{"%a%<%b%", "abs(%a%)>1.0", "%t%", "!%t%", "%a%<%b%&&%t%"}) {
-        const std::string text = "%d%*%a%-(" + condition + "?" + yes + ":" + no + ")*%b%";
+        const std::string text = filled("%d%*%a%-(@?@:@)*%b%", {condition, yes, no});
         EXPECT_EQ(disagreements<double>(text), 0) << text;
       }
     }
@@ -197,14 +198,14 @@ TEST(LoweredEvaluationTest, FunctionsOfTheLibrary_GiveTheTreesValue) {
   for (const char *function : {"sin", "cos", "tan", "asin", "acos", "atan", "sinh", "cosh", "tanh", "asinh",
                                "acosh", "atanh", "sqrt", "cbrt", "exp", "log", "log10", "abs"}) {
     for (const char *argument : {"%a%", "(%a%*%b%)", "(%a%*%b%+%c%)", "abs(%d%)", "(%a%<%b%?%c%:%d%)"}) {
-      const std::string call = std::string(function) + "(" + argument + ")";
+      const std::string call = filled("@(@)", {function, argument});
       EXPECT_EQ(disagreements<double>(call), 0) << call;
       EXPECT_EQ(disagreements<double>("abs(%b%)-" + call), 0) << call;
     }
   }
   for (const std::string &bounds : Names{"-1.0,1.0", "%b%,%c%", "abs(%b%),%c%*2.0", "2.0,-2.0"}) {
     for (const std::string &value : Names{"%a%", "(%a%*%d%)", "abs(%a%)"}) {
-      const std::string text = "abs(%d%)+clamp(" + value + "," + bounds + ")";
+      const std::string text = filled("abs(%d%)+clamp(@,@)", {value, bounds});
       EXPECT_EQ(disagreements<double>(text), 0) << text;
     }
   }

@@ -40,6 +40,20 @@ Value valueOf(const ElementAbstract &element) {
   return valueOf(element, EmptyVariableCollection::instance());
 }
 
+std::string filled(const std::string &pattern, const std::vector<std::string> &parts) {
+  std::string text;
+  std::size_t next = 0;
+  for (const char c : pattern) {
+    if (c == '@') {
+      text += parts.at(next);
+      ++next;
+    } else {
+      text += c;
+    }
+  }
+  return text;
+}
+
 Value builtValue(const BuilderBase &builder, const std::string &text) {
   return valueOf(*builder.build(text), builder.variables());
 }

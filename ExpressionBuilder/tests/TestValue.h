@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace ExpressionBuilder::Testing {
 
@@ -24,6 +25,9 @@ std::unique_ptr<ElementAbstract> constant(const Value &value);
 /// Value of an element of any type.
 Value valueOf(const ElementAbstract &element, const VariableCollectionAbstract &collection);
 Value valueOf(const ElementAbstract &element);
+
+/// The pattern with one of the parts, in their order, in the place of each "@".
+std::string filled(const std::string &pattern, const std::vector<std::string> &parts);
 
 /// What building the text and evaluating the root against the builder's variables gives.
 Value builtValue(const BuilderBase &builder, const std::string &text);

@@ -55,7 +55,7 @@ std::string outputOf(const std::vector<std::string> &command) {
   const int error = posix_spawn(&child, words.front().c_str(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   close(ends[1]);
-  const std::string text = error == 0 ? readToEnd(ends[0]) : std::string();
+  std::string text = error == 0 ? readToEnd(ends[0]) : std::string();
   close(ends[0]);
   expectNoError(error, words.front().c_str());
 

@@ -126,7 +126,8 @@ std::vector<ExpressionCase> readExpressionCases(const std::string &path) {
     ExpressionCase read;
     fields >> read.name >> read.variableCount >> read.lowest >> read.highest >> read.text;
     if (!fields || read.variableCount == 0 || !(read.lowest < read.highest)) {
-      throw std::runtime_error("Not an expression in " + path + ": " + line);
+      std::string what = "Not an expression in ";
+      throw std::runtime_error(what.append(path).append(": ").append(line));
     }
     cases.push_back(read);
   }
