@@ -67,9 +67,9 @@ TEST_F(LookupTest, GetLinkedEntity_NoLinkMissingOrNullComposite_IsNull) {
 }
 
 TEST_F(LookupTest, GetLinkedEntities_InListOrderWithoutNullEntries) {
-  m_parts.entities = {&m_box, nullptr, &m_fan, &m_box};
+  m_parts.entities = {&m_box, nullptr, &m_fan, &m_fan};
   EXPECT_EQ(getLinkedEntities(&m_fan, AttributePath("Parts")),
-            std::vector<Entity *>({&m_box, &m_fan, &m_box}));
+            std::vector<Entity *>({&m_box, &m_fan, &m_fan}));
 }
 
 TEST_F(LookupTest, GetLinkedEntities_NoListMissingOrNullComposite_IsEmpty) {
