@@ -33,10 +33,11 @@ public:
   /// Builds an expression over the groups that the study has now. Each variable begins with the number that
   /// the group's first attribute has in the current version, 0.0 where it has none; that value gives the
   /// variable its type, double. Of two groups with the same macro the first one in order, inputs before
-  /// outputs, makes the variable; a group without variables is the variable with the empty name. \return an
-  /// expression (include ExpressionBuilder/Expression.h) with variables of its own, independent of the
-  ///         builder; null when the text does not build, also one of which nothing can be read, with the
-  ///         reason in getLastBuildError(). Nothing is thrown.
+  /// outputs, makes the variable; a group without variables is the variable with the empty name. Nothing is
+  /// thrown.
+  /// \return  an expression (include ExpressionBuilder/Expression.h) with variables of its own, independent of
+  ///          the builder; null when the text does not build, also one of which nothing can be read, with the
+  ///          reason in getLastBuildError()
   std::unique_ptr<CostExpression> create(const std::string &expression) const;
   /// Names of the functions that an expression may call.
   std::vector<std::string> getFunctionNames() const;

@@ -199,10 +199,11 @@ public:
 
   /// Makes an alternate of the copy version with these input values and appends its row. The row is not
   /// priced.
-  /// \param values             one text per input group, in the host's own form of a value \param
-  /// name               "" takes the first free default name; a name in use is varied by the host \param
-  /// alternateArgument  position among the alternates, handed to the host as it is \return index of the row;
-  /// 0 when the number of values is wrong, the copy version is missing or the host refuses
+  /// \param values             one text per input group, in the host's own form of a value
+  /// \param name               "" takes the first free default name; a name in use is varied by the host
+  /// \param alternateArgument  position among the alternates, handed to the host as it is
+  /// \return                   index of the row; 0 when the number of values is wrong, the copy version is
+  ///                           missing or the host refuses
   std::size_t addVariant(const std::vector<std::string> &values, const std::string &name,
                          std::uint64_t alternateArgument);
   /// As the form for a vector; without it an empty list would be taken for row 0.
@@ -224,13 +225,11 @@ public:
   /// \throws std::logic_error "Incorrect number of values provided to setVariantValues"
   /// \throws std::logic_error "Invalid variant name provided to setVariantValues"
   /// \throws std::exception   a text is no value of its cell, "" for a number included; the row is not
-  /// pushed, cells
-  ///                          before the refused one have their new values
+  ///                          pushed, and the cells before the refused one have their new values
   void setVariantValues(const std::string &name, const std::vector<std::string> &values);
   /// Sets one input value of a row and pushes the row into its version, also when it has no such cell. A row
   /// that does not exist is ignored.
-  /// \throws std::exception   the text is no value of the cell, "" for a
-  /// number included; nothing has changed
+  /// \throws std::exception   the text is no value of the cell, "" for a number included; nothing has changed
   void setVariantValue(std::size_t variant, std::size_t group, const std::string &value);
   /// @}
 
@@ -242,8 +241,7 @@ public:
   std::string getDefaultAlternateVersionName(int n) const;
   /// Makes the copy version, from the version that is current. In a running study the new copy becomes the
   /// one that alternates are made from, while the rows stay with the alternates of the old one.
-  /// \param
-  /// forceNew  make one even when there is one; otherwise one with the default name is adopted
+  /// \param forceNew  make one even when there is one; otherwise one with the default name is adopted
   void createCopyVersion(bool forceNew);
   /// Makes an alternate for each row whose version is gone. A copy version that is gone but named is not made
   /// again.

@@ -99,7 +99,8 @@ public:
   /// \return a null variable without a list, and when the host creates nothing
   OptimizationGroupVariable appendVariable(EntityModel::Entity *owner,
                                            const EntityModel::AttributePath &path);
-  /// Deletes the first variable that refers to the attribute. \return whether there was one
+  /// Deletes the first variable that refers to the attribute.
+  /// \return  whether there was one
   bool removeVariable(EntityModel::Attribute *attribute);
   /// The first variable with exactly this macro; a null variable when there is none.
   OptimizationGroupVariable getVariableFromMacro(const std::string &macro) const;

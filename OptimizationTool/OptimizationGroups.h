@@ -105,8 +105,7 @@ public:
   /// @{
 
   /// Creates an unnamed group without variables at the end of the list.
-  /// \return a null group without a list
-  /// and when the host creates nothing
+  /// \return  a null group without a list and when the host creates nothing
   OptimizationGroup appendGroup();
   /// Moves a group before the one that is now at \p to.
   /// \param from  below size()
@@ -114,7 +113,8 @@ public:
   /// \return      false, with nothing changed, when an index is out of range or the host refuses; true without any
   ///              change for equal indices below size()
   bool moveGroup(int from, int to);
-  /// Deletes a group. \return the host's answer; false when there is no such group
+  /// Deletes a group.
+  /// \return  the host's answer; false when there is no such group
   bool remove(int index);
   /// Deletes a variable, and the group that held it when that has no variables left.
   /// \param removeEmptyGroup  false keeps the group

@@ -58,9 +58,9 @@ public:
   void beginStudy(EntityModel::ModelVersionStudyType type);
   /// Ends the study of the current version: deletes its study entity and releases the baseline. From an
   /// alternate it clears the studies recorded for the alternate's own label.
-  /// \param deleteVersions  destroy
-  /// every version that directly follows the baseline, whether or not the study made
-  ///                        it; otherwise they become ordinary, editable versions
+  /// \param deleteVersions  destroy every version that directly follows the baseline, whether or not the
+  ///                        study made it, except the root version; otherwise they become ordinary, editable
+  ///                        versions
   void endStudy(bool deleteVersions);
   /// Whether a study may begin, or be continued, on the version.
   bool canBeginStudy(EntityModel::ModelVersion *version) const;

@@ -80,15 +80,19 @@ public:
   /// \name Changes
   /// @{
 
-  /// Adds a row at the end. \return its index
+  /// Adds a row at the end.
+  /// \return  its index
   std::size_t append(std::unique_ptr<OptimizationVariant> &&variant);
-  /// Inserts a row before \p index, which must not exceed size() and is not tested. \return \p index
+  /// Inserts a row before \p index, which must not exceed size() and is not tested.
+  /// \return  \p index
   std::size_t insert(std::size_t index, std::unique_ptr<OptimizationVariant> &&variant);
-  /// Inserts a row before \p position. \return the place of the row
+  /// Inserts a row before \p position.
+  /// \return  the place of the row
   iterator insert(const_iterator position, std::unique_ptr<OptimizationVariant> &&variant);
   /// Destroys and removes a row. Ignores an index out of range.
   void erase(std::size_t index);
-  /// Destroys and removes a row. \return the place that follows
+  /// Destroys and removes a row.
+  /// \return  the place that follows
   iterator erase(const_iterator position);
   /// Removes a row and hands it to the caller; null when \p index is out of range.
   std::unique_ptr<OptimizationVariant> take(std::size_t index);
