@@ -3,7 +3,12 @@
 add_library(optstudy_flags INTERFACE)
 target_compile_options(optstudy_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 target_compile_definitions(optstudy_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII)
-if(OPTSTUDY_SANITIZE)
+if(OPTSTUDY_SANITIZE STREQUAL "fuzzer")
+  # Optimised, because what counts is how many cases are tried; clang only.
+  target_compile_options(optstudy_flags INTERFACE -O1 -g1 -fno-omit-frame-pointer -fno-sanitize-recover=all
+                         -fsanitize=fuzzer-no-link,address,undefined,float-cast-overflow)
+  target_link_options(optstudy_flags INTERFACE -fsanitize=address,undefined,float-cast-overflow)
+elseif(OPTSTUDY_SANITIZE)
   # Instrumented code confuses this warning (it finds std::regex guilty); the plain builds keep it.
   # Lines are all that a report needs; full debug information costs a fifth of the compile time.
   target_compile_options(optstudy_flags INTERFACE -Wno-maybe-uninitialized -g1)

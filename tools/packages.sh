@@ -7,6 +7,7 @@ build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libsqlite3-dev libu
 run_packages=("${build_packages[@]}" ngspice)
 test_packages=("${run_packages[@]}" libgtest-dev libgmock-dev locales strace)
 bench_packages=("${run_packages[@]}" libbenchmark-dev libmuparser-dev)
+fuzz_packages=("${build_packages[@]}" clang libclang-rt-dev llvm)
 lint_packages=("${build_packages[@]}" libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev git python3
   clang-format clang-tidy)
 docs_packages=(doxygen)

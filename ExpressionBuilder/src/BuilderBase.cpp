@@ -172,7 +172,7 @@ template std::unique_ptr<Element<long long>>
     BuilderBase::castTo<long long>(std::unique_ptr<ElementAbstract>) const;
 
 std::unique_ptr<ElementAbstract> BuilderBase::fold(std::unique_ptr<ElementAbstract> element) const {
-  if (!m_foldConstants || element->kind() == ElementKind::Constant || !element->isConstant()) {
+  if (!m_foldConstants || !element->isConstant() || element->kind() == ElementKind::Constant) {
     return element;
   }
   return makeConstantFrom(*element);

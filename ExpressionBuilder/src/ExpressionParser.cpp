@@ -101,19 +101,50 @@ ExpressionParser::Step ExpressionParser::step() {
   if (m_position == m_end) {
     return Step::Ends;
   }
-  const char c = *m_position;
-  const bool isSignedNumber = (c == '+' || c == '-') && call().left == nullptr && m_end - m_position > 1 &&
-                              isDigit(*(m_position + 1));
-  if (isDigit(c) || c == '"' || c == '.' || isSignedNumber) {
+  switch (byteClassOf(*m_position)) {
+  case ByteClass::Other:
+    return Step::Ends;
+  case ByteClass::Literal:
     return stepLiteral();
-  }
-  if (c == '%') {
+  case ByteClass::Percent:
     return stepVariable();
-  }
-  if (isLetter(c)) {
+  case ByteClass::Letter:
     return stepName();
+  case ByteClass::Plus:
+    return stepSign(BinaryOperator::Add, Purpose::PlusOperand);
+  case ByteClass::Minus:
+    return stepSign(BinaryOperator::Subtract, Purpose::NegateOperand);
+  case ByteClass::Star:
+    return stepBinary(BinaryOperator::Multiply, kProduct, 1);
+  case ByteClass::Slash:
+    return stepBinary(BinaryOperator::Divide, kProduct, 1);
+  case ByteClass::Exclamation:
+    return follows('=') ? stepBinary(BinaryOperator::NotEqual, kEquality, 2)
+                        : stepPrefix(Purpose::NotOperand);
+  case ByteClass::Equals:
+    return follows('=') ? stepBinary(BinaryOperator::Equal, kEquality, 2) : Step::Ends;
+  case ByteClass::Greater:
+    return follows('=') ? stepBinary(BinaryOperator::GreaterEqual, kOrder, 2)
+                        : stepBinary(BinaryOperator::Greater, kOrder, 1);
+  case ByteClass::Less:
+    return follows('=') ? stepBinary(BinaryOperator::LessEqual, kOrder, 2)
+                        : stepBinary(BinaryOperator::Less, kOrder, 1);
+  case ByteClass::Ampersand:
+    return follows('&') ? stepBinary(BinaryOperator::And, kAnd, 2) : Step::Ends;
+  case ByteClass::Bar:
+    return follows('|') ? stepBinary(BinaryOperator::Or, kOr, 2) : Step::Ends;
+  case ByteClass::OpeningBracket:
+    return stepOpeningBracket();
+  case ByteClass::ClosingBracket:
+    return stepClosingBracket();
+  case ByteClass::Comma:
+    return stepComma();
+  case ByteClass::Question:
+    return stepQuestionMark();
+  case ByteClass::Colon:
+    return stepColon();
   }
-  return stepOperator();
+  return Step::Ends;
 }
 
 ExpressionParser::Step ExpressionParser::stepLiteral() {
@@ -169,46 +200,14 @@ ExpressionParser::Step ExpressionParser::stepName() {
   return Step::GoesOn;
 }
 
-ExpressionParser::Step ExpressionParser::stepOperator() {
-  switch (*m_position) {
-  case '!':
-    return follows('=') ? stepBinary(BinaryOperator::NotEqual, kEquality, 2)
-                        : stepPrefix(Purpose::NotOperand);
-  case '+':
-    return call().left == nullptr ? stepPrefix(Purpose::PlusOperand)
-                                  : stepBinary(BinaryOperator::Add, kSum, 1);
-  case '-':
-    return call().left == nullptr ? stepPrefix(Purpose::NegateOperand)
-                                  : stepBinary(BinaryOperator::Subtract, kSum, 1);
-  case '*':
-    return stepBinary(BinaryOperator::Multiply, kProduct, 1);
-  case '/':
-    return stepBinary(BinaryOperator::Divide, kProduct, 1);
-  case '=':
-    return follows('=') ? stepBinary(BinaryOperator::Equal, kEquality, 2) : Step::Ends;
-  case '>':
-    return follows('=') ? stepBinary(BinaryOperator::GreaterEqual, kOrder, 2)
-                        : stepBinary(BinaryOperator::Greater, kOrder, 1);
-  case '<':
-    return follows('=') ? stepBinary(BinaryOperator::LessEqual, kOrder, 2)
-                        : stepBinary(BinaryOperator::Less, kOrder, 1);
-  case '&':
-    return follows('&') ? stepBinary(BinaryOperator::And, kAnd, 2) : Step::Ends;
-  case '|':
-    return follows('|') ? stepBinary(BinaryOperator::Or, kOr, 2) : Step::Ends;
-  case '(':
-    return stepOpeningBracket();
-  case ')':
-    return stepClosingBracket();
-  case ',':
-    return stepComma();
-  case '?':
-    return stepQuestionMark();
-  case ':':
-    return stepColon();
-  default:
-    return Step::Ends;
+/// A sign behind an operand is an operator, one right before a digit belongs to the number, any other one is a
+/// prefix.
+ExpressionParser::Step ExpressionParser::stepSign(BinaryOperator operation, Purpose prefix) {
+  if (call().left != nullptr) {
+    return stepBinary(operation, kSum, 1);
   }
+  const bool isNumber = m_end - m_position > 1 && isDigit(*(m_position + 1));
+  return isNumber ? stepLiteral() : stepPrefix(prefix);
 }
 
 ExpressionParser::Step ExpressionParser::stepPrefix(Purpose purpose) {

@@ -83,9 +83,9 @@ private:
   Step stepLiteral();
   Step stepVariable();
   Step stepName();
+  Step stepSign(BinaryOperator operation, Purpose prefix);
   Step stepPrefix(Purpose purpose);
   Step stepBinary(BinaryOperator operation, int precedence, int length);
-  Step stepOperator();
   Step stepOpeningBracket();
   Step stepClosingBracket();
   Step stepComma();

@@ -83,7 +83,7 @@ DelimitedEnd readDelimited(TextPosition &position, TextPosition end, char delimi
   while (position != end) {
     const char c = *position;
     if (c == delimiter || (c == '\\' && allowEscapes)) {
-      content.assign(begin, position);
+      content = std::string(begin, position);
       ++position;
       if (c == delimiter) {
         return DelimitedEnd::Delimiter;

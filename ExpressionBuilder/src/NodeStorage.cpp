@@ -9,7 +9,7 @@ namespace ExpressionBuilder::NodeStorage {
 namespace {
 
 // The sanitizers know every block of the general allocator and nothing of ours.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef OPTSTUDY_SANITIZED
 constexpr bool kUsesChunks = false;
 #else
 constexpr bool kUsesChunks = true;
@@ -33,13 +33,22 @@ void destroy(Chunk *chunk) noexcept {
   ::operator delete(chunk, std::align_val_t(kChunkBytes));
 }
 
+/// Tells the thread's cutter that the thread ends. Apart from it, because what is released at the end of a thread
+/// is checked for its making at every use.
+class ThreadEnd {
+public:
+  ThreadEnd() = default;
+  ThreadEnd(const ThreadEnd &) = delete;
+  ThreadEnd &operator=(const ThreadEnd &) = delete;
+  ~ThreadEnd();
+
+  void expect() const noexcept {}
+};
+
 /// The chunk that a thread cuts from.
 class Cutter {
 public:
-  Cutter() = default;
-  Cutter(const Cutter &) = delete;
-  Cutter &operator=(const Cutter &) = delete;
-  ~Cutter() {
+  void end() noexcept {
     giveUp();
     m_ended = true;
   }
@@ -47,10 +56,7 @@ public:
   /// Null when the thread is ending and nobody would give the chunk up later.
   void *cut(std::size_t size) {
     if (size > m_left) {
-      if (m_ended) {
-        return nullptr;
-      }
-      begin();
+      return cutFromNewChunk(size);
     }
     void *const memory = m_next;
     m_next += size;
@@ -69,12 +75,7 @@ public:
   }
 
 private:
-  void begin() {
-    giveUp();
-    void *const memory = ::operator new(kChunkBytes, std::align_val_t(kChunkBytes));
-    m_chunk = new (memory) Chunk;
-    restart();
-  }
+  void *cutFromNewChunk(std::size_t size);
 
   void restart() noexcept {
     m_alive -= releasedElsewhere();
@@ -110,7 +111,27 @@ private:
   bool m_ended = false;
 };
 
-thread_local Cutter t_cutter;
+// Every node asks for it, so its place is not looked up by a call; its few words find room also in a library that
+// is loaded late.
+[[gnu::tls_model("initial-exec")]] thread_local Cutter t_cutter;
+thread_local const ThreadEnd t_threadEnd;
+
+ThreadEnd::~ThreadEnd() {
+  t_cutter.end();
+}
+
+void *Cutter::cutFromNewChunk(std::size_t size) {
+  // Nobody would give the chunk up later.
+  if (m_ended) {
+    return nullptr;
+  }
+  t_threadEnd.expect();
+  giveUp();
+  void *const memory = ::operator new(kChunkBytes, std::align_val_t(kChunkBytes));
+  m_chunk = new (memory) Chunk;
+  restart();
+  return cut(size);
+}
 
 std::size_t rounded(std::size_t size) noexcept {
   constexpr std::size_t kStep = alignof(void *);

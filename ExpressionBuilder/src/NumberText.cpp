@@ -27,6 +27,11 @@ locale_t plainLocale() {
   return plain;
 }
 
+/// Zeros and points only: not too small for a double, and frequent.
+bool isPlainZero(std::string_view text) {
+  return text.find_first_not_of("0.") == std::string_view::npos;
+}
+
 template <class... Arguments> std::string textByToChars(Arguments... arguments) {
   char text[kTextCapacity];
   const std::to_chars_result result = std::to_chars(text, text + kTextCapacity, arguments...);
@@ -39,7 +44,8 @@ LiteralNumber<double> readDoubleLiteral(std::string_view text) {
   double quick = 0.0;
   const std::from_chars_result read = std::from_chars(text.data(), text.data() + text.size(), quick);
   // Both round correctly. What is small enough for doubts about its range is left to the C library.
-  if (read.ec == std::errc() && read.ptr == text.data() + text.size() && std::fabs(quick) > kSurelyInRange) {
+  if (read.ec == std::errc() && read.ptr == text.data() + text.size() &&
+      (std::fabs(quick) > kSurelyInRange || isPlainZero(text))) {
     return {quick, LiteralStatus::Ok};
   }
   const int errnoBefore = errno;
