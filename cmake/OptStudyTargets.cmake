@@ -22,6 +22,12 @@ elseif(OPTSTUDY_SANITIZE STREQUAL "thread")
   target_link_options(optstudy_flags INTERFACE -fsanitize=thread)
 endif()
 
+if(OPTSTUDY_COVERAGE)
+  # clang's own, which counts what the source says and not what the compiler made of it.
+  target_compile_options(optstudy_flags INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  target_link_options(optstudy_flags INTERFACE -fprofile-instr-generate)
+endif()
+
 # Benchmarks register themselves with this one, so that it is there to be built even while there is none.
 add_custom_target(optstudy_benchmarks)
 

@@ -8,6 +8,7 @@ run_packages=("${build_packages[@]}" ngspice)
 test_packages=("${run_packages[@]}" libgtest-dev libgmock-dev locales strace)
 bench_packages=("${run_packages[@]}" libbenchmark-dev libmuparser-dev)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-dev llvm)
+coverage_packages=("${test_packages[@]}" clang libclang-rt-dev llvm python3)
 lint_packages=("${build_packages[@]}" libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev git python3
   clang-format clang-tidy)
 docs_packages=(doxygen)

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ExpressionBuilder/tests/property/LanguageCoverage.h"
+#include "ExpressionBuilder/tests/property/OracleValue.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace LanguageOracle {
+
+/// What comparing the library with the oracle over a number of generated cases has shown.
+struct ComparisonReport {
+  std::uint64_t seed = 0;
+  std::size_t cases = 0;
+  std::size_t differences = 0;
+  /// The first few, each with seed, number, text and both outcomes.
+  std::string firstDifferences;
+  std::size_t buildErrors = 0;
+  std::size_t runtimeErrors = 0;
+  std::map<std::string, std::size_t> errorTexts;
+  std::vector<int> depths;
+  /// Of the texts that have a value.
+  std::vector<int> depthsWithValue;
+  LanguageCoverage coverage;
+
+  double errorShare() const;
+};
+
+/// The median; of an even number the lower one of the two in the middle.
+int median(std::vector<int> depths);
+
+/// Makes cases 0..count-1 of the seed and compares every observation.
+/// \param stopAt  ends early after so many cases with differences
+ComparisonReport compareWithOracle(std::uint64_t seed, std::size_t count, const Mistakes &mistakes,
+                                   std::size_t stopAt);
+
+void print(std::ostream &stream, const ComparisonReport &report);
+
+} // namespace LanguageOracle
