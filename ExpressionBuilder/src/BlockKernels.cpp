@@ -51,27 +51,6 @@ template <class Op, class A, class B> void squareRows(const BlockArguments &argu
   }
 }
 
-void sumThreeRows(const BlockArguments &arguments, std::size_t rows) {
-  double *__restrict const r = arguments.result;
-  const double *const a = arguments.operands[0];
-  const double *const b = arguments.operands[1];
-  const double *const c = arguments.operands[2];
-  for (std::size_t i = 0; i < rows; ++i) {
-    r[i] = a[i] + b[i] + c[i];
-  }
-}
-
-void sumFourRows(const BlockArguments &arguments, std::size_t rows) {
-  double *__restrict const r = arguments.result;
-  const double *const a = arguments.operands[0];
-  const double *const b = arguments.operands[1];
-  const double *const c = arguments.operands[2];
-  const double *const d = arguments.operands[3];
-  for (std::size_t i = 0; i < rows; ++i) {
-    r[i] = a[i] + b[i] + c[i] + d[i];
-  }
-}
-
 template <class Op, class A, class B> void compareRows(const BlockArguments &arguments, std::size_t rows) {
   double *__restrict const r = arguments.result;
   const double *const a = arguments.operands[0];
@@ -314,14 +293,6 @@ BlockKernel pairWithVector(Code operation, Code inner, Shape shape) {
 
 BlockKernel square(Code operation, Shape shape) {
   return (operation == Code::Add ? kSquareOfSum : kSquareOfDifference)[indexOf(shape)];
-}
-
-BlockKernel sumOfThree() {
-  return &sumThreeRows;
-}
-
-BlockKernel sumOfFour() {
-  return &sumFourRows;
 }
 
 BlockKernel compare(Code comparison, Shape shape) {

@@ -41,9 +41,6 @@ BlockKernel vectorWithPair(Code operation, Code inner, Shape shape);
 BlockKernel pairWithVector(Code operation, Code inner, Shape shape);
 /// (a operation b) squared; operation is Add or Subtract.
 BlockKernel square(Code operation, Shape shape);
-/// a + b + c and a + b + c + d, all vectors.
-BlockKernel sumOfThree();
-BlockKernel sumOfFour();
 /// 1.0 where the relation holds, 0.0 elsewhere.
 BlockKernel compare(Code comparison, Shape shape);
 /// c where a is in the relation to b, d elsewhere; `values` says which of c and d are vectors.

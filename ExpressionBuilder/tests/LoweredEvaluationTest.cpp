@@ -1,10 +1,12 @@
 #include "ExpressionBuilder/BuilderSingleType.h"
 #include "ExpressionBuilder/ElementFactory.h"
+#include "ExpressionBuilder/ElementFunctional.h"
 #include "ExpressionBuilder/tests/TestValue.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -270,6 +272,69 @@ TEST(LoweredEvaluationTest, Clone_HasItsOwnVariables) {
   test.set({5.0, 0.0, 0.0, 0.0});
   EXPECT_EQ(clone->evaluate(), 2.0);
   EXPECT_EQ(test.expression().evaluate(), 10.0);
+}
+
+/// An application's own node, of which the library knows only what its operations answer.
+class TwiceA : public Element<double> {
+public:
+  ElementKind kind() const override { return static_cast<ElementKind>(100); }
+  bool isConstant() const override { return false; }
+  void validate(const VariableCollectionAbstract & /*collection*/) const override {}
+  bool equals(const ElementAbstract &other) const override {
+    return dynamic_cast<const TwiceA *>(&other) != nullptr;
+  }
+  double evaluate(const VariableCollectionAbstract &collection) const override {
+    return 2.0 * makeVariableOfA()->evaluate(collection);
+  }
+  std::unique_ptr<Element<double>> clone() const override { return std::make_unique<TwiceA>(); }
+
+private:
+  static std::unique_ptr<Element<double>> makeVariableOfA() {
+    return elementAs<double>(makeVariable(ValueType::Double, "a"));
+  }
+};
+
+using DoubleExpression = Expression<double, SimpleVariableCollection>;
+
+DoubleExpression sumWithB(std::unique_ptr<ElementAbstract> left) {
+  SimpleVariableCollection variables;
+  variables.declare("a", constant(1.5));
+  variables.declare("b", constant(10.0));
+  using Sum = ElementFunctional<std::plus<double>, double, double>;
+  auto right = elementAs<double>(makeVariable(ValueType::Double, "b"));
+  return DoubleExpression(
+      std::make_unique<Sum>(left == nullptr ? nullptr : elementAs<double>(std::move(left)), std::move(right)),
+      std::move(variables));
+}
+
+TEST(LoweredEvaluationTest, NodeOfAnApplication_IsAskedForItsValue) {
+  DoubleExpression expression = sumWithB(std::make_unique<TwiceA>());
+  EXPECT_EQ(expression.evaluate(), 13.0);
+  expression.variables().replace("a", constant(3.0));
+  EXPECT_EQ(expression.evaluate(), 16.0);
+}
+
+TEST(LoweredEvaluationTest, RowsOverANodeOfAnApplication_HaveItsValues) {
+  const DoubleExpression expression = sumWithB(std::make_unique<TwiceA>());
+  const std::vector<double> values = {0.0, 1.0, 2.0, 3.0, 4.0};
+  std::vector<double> results(values.size(), -1.0);
+  expression.evaluateRows({{expression.variables().handle<double>("a"), values.data()}}, values.size(),
+                          results.data());
+  EXPECT_EQ(results, (std::vector<double>{10.0, 12.0, 14.0, 16.0, 18.0}));
+}
+
+TEST(LoweredEvaluationTest, MissingOperand_IsAnInvalidExpression) {
+  const DoubleExpression expression = sumWithB(nullptr);
+  EXPECT_EQ(outcome<double>([&] { return expression.evaluate(); }), "Invalid expression");
+  const std::vector<double> values(5, 1.0);
+  std::vector<double> results(5, -1.0);
+  EXPECT_EQ(outcome<double>([&] {
+              expression.evaluateRows({{expression.variables().handle<double>("a"), values.data()}}, 5,
+                                      results.data());
+              return 0.0;
+            }),
+            "Invalid expression");
+  EXPECT_EQ(results, std::vector<double>(5, -1.0));
 }
 
 TEST(LoweredEvaluationTest, LongSum_NeedsNoDeepStack) {
