@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExpressionBuilder/tests/property/LanguageCase.h"
+#include "ExpressionBuilder/tests/property/OracleFunctions.h"
 #include "ExpressionBuilder/tests/property/OracleOperators.h"
 #include "ExpressionBuilder/tests/property/RandomChoice.h"
 #include "ExpressionBuilder/tests/property/TokenText.h"
@@ -15,7 +16,7 @@ namespace LanguageOracle {
 
 /// Makes cases of the language, each from a seed and its number alone. About half of the texts are meant to
 /// have a value; each of the others gets one flaw: an operator or a function with any types of operands, an
-/// unknown variable, a bad literal, or wrong tokens or bytes.
+/// unknown variable, a bad literal, operations that fail when they are computed, or wrong tokens or bytes.
 class ExpressionGenerator {
 public:
   ExpressionGenerator(std::uint64_t seed, std::uint64_t number);
@@ -31,8 +32,11 @@ private:
     AnyConditional,
     UnknownVariable,
     BadLiteral,
+    Failures,
     WrongTokens,
-    WrongBytes
+    WrongBytes,
+    OnlyTokens,
+    Blank
   };
   /// Part of a text with what its surroundings must know of it.
   struct Piece {
@@ -58,11 +62,15 @@ private:
   Piece conditional(Type type, int budget, bool isSpine);
   Piece call(Type type, int budget, bool isSpine);
   Piece flawed(Type type);
+  Piece failing();
+  Piece failures();
+  LanguageCase &withSurroundings(LanguageCase &languageCase);
 
   Piece binaryOf(Binary op, Piece left, Piece right);
   Piece prefixOf(const std::string &symbol, Piece operand);
   Piece conditionalOf(Piece condition, Piece whenTrue, Piece whenFalse);
   Piece callOf(const std::string &name, std::vector<Piece> arguments);
+  const Function &anyFunction(std::size_t arity);
   std::pair<Binary, Type> operatorFor(Type type);
 
   /// The piece, in brackets when it binds more loosely than that.

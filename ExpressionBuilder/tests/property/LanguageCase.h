@@ -2,6 +2,7 @@
 
 #include "ExpressionBuilder/tests/property/OracleValue.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,12 +27,16 @@ struct Disturbance {
   std::optional<Value> value;
 };
 
+constexpr std::array<const char *, 2> kColumns = {"d0", "d1"};
+
 /// One text and all that its outcome depends on.
 struct LanguageCase {
   std::vector<Binding> bindings;
   std::string text;
   Type target = Type::Double;
   std::optional<Disturbance> disturbance;
+  /// For a double, the values of the variables named kColumns in some rows to evaluate at once.
+  std::vector<std::array<double, 2>> rows;
   /// Operators, conversions, conditionals and calls that stood inside each other when the text was made.
   int depth = 0;
 };

@@ -7,12 +7,15 @@
 #include <algorithm>
 #include <exception>
 #include <iomanip>
+#include <iterator>
+#include <set>
 #include <sstream>
 
 namespace LanguageOracle {
 namespace {
 
 constexpr std::size_t kDifferencesPrinted = 10;
+const std::string kUndefined = "Undefined variable : ";
 
 std::string describe(const LanguageCase &languageCase) {
   std::ostringstream text;
@@ -62,15 +65,26 @@ std::string differenceOf(const LanguageCase &languageCase, const std::vector<Obs
   }
 }
 
-void count(ComparisonReport &report, const Outcome &outcome, int depth) {
+void count(ComparisonReport &report, const std::vector<Observation> &observations, int depth) {
   ++report.cases;
   report.depths.push_back(depth);
+  std::set<std::string> messages;
+  for (const Observation &observation : observations) {
+    if (observation.outcome.kind != Outcome::Kind::Value) {
+      const std::string &message = observation.outcome.message;
+      const bool isUndefined = message.compare(0, kUndefined.size(), kUndefined) == 0;
+      messages.insert(isUndefined ? kUndefined : message);
+    }
+  }
+  for (const std::string &message : messages) {
+    ++report.errorTexts[message];
+  }
+  const Outcome &outcome = observations.front().outcome;
   if (outcome.kind == Outcome::Kind::Value) {
     report.depthsWithValue.push_back(depth);
     return;
   }
   ++(outcome.kind == Outcome::Kind::BuildError ? report.buildErrors : report.runtimeErrors);
-  ++report.errorTexts[outcome.message];
 }
 
 } // namespace
@@ -78,6 +92,34 @@ void count(ComparisonReport &report, const Outcome &outcome, int depth) {
 double ComparisonReport::errorShare() const {
   return static_cast<double>(buildErrors + runtimeErrors) /
          static_cast<double>(std::max<std::size_t>(cases, 1));
+}
+
+std::vector<std::string> ComparisonReport::missingErrorTexts() const {
+  static const std::vector<std::string> kTexts = {"Empty expression",
+                                                  "Syntax error",
+                                                  "Syntax Error",
+                                                  "Syntax error - Unexpected left hand side",
+                                                  "Syntax error - Right hand side invalid",
+                                                  "Syntax error - No left hand side expected",
+                                                  "Syntax error : unbalanced brackets",
+                                                  "Syntax error - Condition",
+                                                  "Syntax error - True expression",
+                                                  "Syntax error - False expression",
+                                                  "No right hand side of unary operator",
+                                                  kUndefined,
+                                                  "Number out of range",
+                                                  "Unsupported Operator",
+                                                  "Function does not support the current argument types",
+                                                  "Integer division by zero",
+                                                  "Integer overflow",
+                                                  "Invalid expression",
+                                                  "Missing Variable",
+                                                  "Variable is of wrong type",
+                                                  "Circular Dependency"};
+  std::vector<std::string> missing;
+  std::copy_if(kTexts.begin(), kTexts.end(), std::back_inserter(missing),
+               [this](const std::string &text) { return errorTexts.count(text) == 0; });
+  return missing;
 }
 
 int median(std::vector<int> depths) {
@@ -96,7 +138,7 @@ ComparisonReport compareWithOracle(std::uint64_t seed, std::size_t count, const 
   for (std::size_t number = 0; number < count && report.differences < stopAt; ++number) {
     const LanguageCase languageCase = ExpressionGenerator(seed, number).make();
     const std::vector<Observation> expected = observeOracle(languageCase, mistakes, &report.coverage);
-    LanguageOracle::count(report, expected.front().outcome, languageCase.depth);
+    LanguageOracle::count(report, expected, languageCase.depth);
     const std::string found = differenceOf(languageCase, expected);
     if (!found.empty()) {
       if (++report.differences <= kDifferencesPrinted) {

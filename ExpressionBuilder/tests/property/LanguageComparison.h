@@ -21,6 +21,7 @@ struct ComparisonReport {
   std::string firstDifferences;
   std::size_t buildErrors = 0;
   std::size_t runtimeErrors = 0;
+  /// Cases in which an error text was met, the name of an undefined variable left out.
   std::map<std::string, std::size_t> errorTexts;
   std::vector<int> depths;
   /// Of the texts that have a value.
@@ -28,6 +29,8 @@ struct ComparisonReport {
   LanguageCoverage coverage;
 
   double errorShare() const;
+  /// The texts of the language's errors that no case has met.
+  std::vector<std::string> missingErrorTexts() const;
 };
 
 /// The median; of an even number the lower one of the two in the middle.

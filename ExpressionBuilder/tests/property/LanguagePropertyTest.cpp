@@ -53,6 +53,7 @@ TEST(LanguagePropertyTest, GeneratedTexts_AgreeWithTheOracle) {
   EXPECT_EQ(lines(report.coverage.missingFunctions()), "");
   if (cases >= kFullRun) {
     EXPECT_EQ(lines(report.coverage.missing()), "");
+    EXPECT_EQ(lines(report.missingErrorTexts()), "");
   }
 }
 

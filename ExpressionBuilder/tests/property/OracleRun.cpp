@@ -52,6 +52,21 @@ Outcome expressed(const Node &root, const Variables &variables, const Mistakes &
   return evaluated(root, variables, mistakes);
 }
 
+// Row by row up to the first one that fails.
+void observeRows(std::vector<Observation> &observations, const LanguageCase &languageCase, const Node &root,
+                 Variables variables, const ParserOptions &options) {
+  for (const auto &row : languageCase.rows) {
+    for (std::size_t column = 0; column < kColumns.size(); ++column) {
+      variables[kColumns[column]] = constantOf(Value::ofDouble(row[column]));
+    }
+    const Outcome outcome = expressed(root, variables, options.mistakes);
+    observations.push_back({options.foldConstants ? "row" : "row, not folded", outcome});
+    if (outcome.kind != Outcome::Kind::Value) {
+      return;
+    }
+  }
+}
+
 void observe(std::vector<Observation> &observations, const LanguageCase &languageCase,
              const ParserOptions &options) {
   const std::string folding = options.foldConstants ? "" : ", not folded";
@@ -63,11 +78,13 @@ void observe(std::vector<Observation> &observations, const LanguageCase &languag
     root = parser.build();
   } catch (const Error &error) {
     observations.push_back({"element" + folding, Outcome::ofBuildError(error.what())});
+    observations.push_back({"element, with warnings" + folding, observations.back().outcome});
     observations.push_back({"expression" + folding, Outcome::ofBuildError(error.what())});
     return;
   }
   observations.push_back({"element" + folding, evaluated(*root, variables, mistakes)});
   observations.push_back({"element's clone" + folding, observations.back().outcome});
+  observations.push_back({"element, with warnings" + folding, observations.back().outcome});
   NodePtr typed;
   try {
     typed = parser.castTo(languageCase.target, root);
@@ -79,6 +96,7 @@ void observe(std::vector<Observation> &observations, const LanguageCase &languag
   observations.push_back({"expression's clone" + folding, observations.back().outcome});
   const bool isConstantRoot = typed->kind == Node::Kind::Constant;
   observations.push_back({"root is constant" + folding, Outcome::ofValue(Value::ofBool(isConstantRoot))});
+  observeRows(observations, languageCase, *typed, variables, options);
   if (languageCase.disturbance) {
     const Variables others = disturbed(variables, *languageCase.disturbance);
     observations.push_back({"element, disturbed" + folding, evaluated(*root, others, mistakes)});

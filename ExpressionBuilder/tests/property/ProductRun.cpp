@@ -4,8 +4,10 @@
 #include "ExpressionBuilder/ElementConstant.h"
 #include "ExpressionBuilder/ValueType.h"
 
+#include <array>
 #include <memory>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 
 namespace LanguageOracle {
@@ -16,9 +18,11 @@ using ExpressionBuilder::BuilderSingleType;
 using ExpressionBuilder::Element;
 using ExpressionBuilder::ElementAbstract;
 using ExpressionBuilder::ElementConstant;
-using ExpressionBuilder::ExpressionGenericAbstract;
+using ExpressionBuilder::ExpressionBase;
 using ExpressionBuilder::SimpleVariableCollection;
 using ExpressionBuilder::ValueType;
+using ExpressionBuilder::VariableColumn;
+using ExpressionBuilder::Warning;
 
 Value valueOf(double value) {
   return Value::ofDouble(value);
@@ -100,6 +104,53 @@ void observeElement(std::vector<Observation> &observations, const ElementAbstrac
   observations.push_back({"element's clone" + folding, evaluated(*root.cloneAbstract(), variables)});
 }
 
+// To look for warnings must change nothing.
+void observeWithWarnings(std::vector<Observation> &observations, const BuilderBase &builder,
+                         const std::string &text, const std::string &folding) {
+  Outcome outcome;
+  try {
+    std::vector<Warning> warnings;
+    const std::unique_ptr<ElementAbstract> root = builder.buildWithWarnings(text, warnings);
+    outcome = evaluated(*root, builder.variables());
+  } catch (const std::runtime_error &error) {
+    outcome = Outcome::ofBuildError(error.what());
+  }
+  observations.push_back({"element, with warnings" + folding, outcome});
+}
+
+void observeRows(std::vector<Observation> &observations, const LanguageCase &languageCase,
+                 const ExpressionBase<double> &expression, const SimpleVariableCollection &variables,
+                 const std::string &folding) {
+  std::array<std::vector<double>, kColumns.size()> values;
+  std::vector<VariableColumn> columns;
+  for (std::size_t column = 0; column < kColumns.size(); ++column) {
+    for (const auto &row : languageCase.rows) {
+      values[column].push_back(row[column]);
+    }
+    columns.push_back({variables.handle<double>(kColumns[column]), values[column].data()});
+  }
+  // A failing row leaves its own result and those behind it as they are.
+  const double untouched = -1234.5678;
+  std::vector<double> results(languageCase.rows.size(), untouched);
+  std::string message;
+  bool hasFailed = false;
+  try {
+    expression.evaluateRows(columns, results.size(), results.data());
+  } catch (const std::runtime_error &error) {
+    hasFailed = true;
+    message = error.what();
+  }
+  for (const double result : results) {
+    if (hasFailed && result == untouched) {
+      break;
+    }
+    observations.push_back({"row" + folding, Outcome::ofValue(Value::ofDouble(result))});
+  }
+  if (hasFailed) {
+    observations.push_back({"row" + folding, Outcome::ofRuntimeError(message)});
+  }
+}
+
 template <class T>
 void observeExpression(std::vector<Observation> &observations, const LanguageCase &languageCase,
                        const BuilderBase &plain, const ElementAbstract *root, const std::string &folding) {
@@ -118,6 +169,11 @@ void observeExpression(std::vector<Observation> &observations, const LanguageCas
   observations.push_back({"expression's clone" + folding, evaluated([&] { return clone->evaluate(); })});
   observations.push_back(
       {"root is constant" + folding, Outcome::ofValue(Value::ofBool(expression->isConstantRoot()))});
+  if constexpr (std::is_same_v<T, double>) {
+    if (!languageCase.rows.empty()) {
+      observeRows(observations, languageCase, *expression, expression->variables(), folding);
+    }
+  }
   if (languageCase.disturbance && root != nullptr) {
     expression->variables() = disturbed(plain.variables(), *languageCase.disturbance);
     observations.push_back({"element, disturbed" + folding, evaluated(*root, expression->variables())});
@@ -140,6 +196,7 @@ void observe(std::vector<Observation> &observations, const LanguageCase &languag
   if (root) {
     observeElement(observations, *root, builder.variables(), folding);
   }
+  observeWithWarnings(observations, builder, languageCase.text, folding);
   ExpressionBuilder::visitValueType(static_cast<ValueType>(languageCase.target), [&](auto tag) {
     observeExpression<typename decltype(tag)::Type>(observations, languageCase, builder, root.get(), folding);
   });

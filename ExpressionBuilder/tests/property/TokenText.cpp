@@ -54,6 +54,14 @@ void spoilTokens(Tokens &tokens, RandomChoice &random) {
   }
 }
 
+Tokens anyTokens(RandomChoice &random) {
+  Tokens tokens(1 + random.below(9));
+  for (Token &token : tokens) {
+    token = anyToken(random);
+  }
+  return tokens;
+}
+
 std::string joined(const Tokens &tokens, RandomChoice &random) {
   std::string text;
   for (const Token &token : tokens) {

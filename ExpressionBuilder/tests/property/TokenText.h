@@ -20,6 +20,9 @@ void append(Tokens &tokens, Tokens more);
 /// Drops, doubles, swaps or replaces a token.
 void spoilTokens(Tokens &tokens, RandomChoice &random);
 
+/// A few tokens in any order.
+Tokens anyTokens(RandomChoice &random);
+
 /// The tokens one after another, with blanks where they are needed to keep two tokens apart and elsewhere
 /// as chance has it.
 std::string joined(const Tokens &tokens, RandomChoice &random);
