@@ -19,8 +19,12 @@ struct ComparisonReport {
   std::size_t differences = 0;
   /// The first few, each with seed, number, text and both outcomes.
   std::string firstDifferences;
+  /// Cases that agree only when "+" or "*" pass on the second one of two NaN operands.
+  std::size_t openNanSigns = 0;
   std::size_t buildErrors = 0;
   std::size_t runtimeErrors = 0;
+  /// What was asked of both, and how often.
+  std::map<std::string, std::size_t> observations;
   /// Cases in which an error text was met, the name of an undefined variable left out.
   std::map<std::string, std::size_t> errorTexts;
   std::vector<int> depths;
@@ -38,7 +42,7 @@ int median(std::vector<int> depths);
 
 /// Makes cases 0..count-1 of the seed and compares every observation.
 /// \param stopAt  ends early after so many cases with differences
-ComparisonReport compareWithOracle(std::uint64_t seed, std::size_t count, const Mistakes &mistakes,
+ComparisonReport compareWithOracle(std::uint64_t seed, std::size_t count, const Rules &rules,
                                    std::size_t stopAt);
 
 void print(std::ostream &stream, const ComparisonReport &report);

@@ -38,7 +38,7 @@ template <class T> T read(const std::string &text) {
   return value;
 }
 
-std::int32_t toInt(const Value &value, const Mistakes &mistakes) {
+std::int32_t toInt(const Value &value, const Rules &rules) {
   switch (value.type) {
   case Type::Double:
     return truncated<std::int32_t>(value.real);
@@ -49,7 +49,7 @@ std::int32_t toInt(const Value &value, const Mistakes &mistakes) {
   case Type::String: {
     const auto number = read<std::int32_t>(value.text);
     const bool clamped = number == std::numeric_limits<std::int32_t>::max();
-    return mistakes.stringsClampToZero && clamped ? 0 : number;
+    return rules.stringsClampToZero && clamped ? 0 : number;
   }
   case Type::LongLong:
     return lowBits(value.wide);
@@ -123,12 +123,12 @@ std::string toString(const Value &value) {
 
 } // namespace
 
-Value convert(const Value &value, Type type, const Mistakes &mistakes) {
+Value convert(const Value &value, Type type, const Rules &rules) {
   switch (type) {
   case Type::Double:
     return Value::ofDouble(toDouble(value));
   case Type::Int:
-    return Value::ofInt(toInt(value, mistakes));
+    return Value::ofInt(toInt(value, rules));
   case Type::Bool:
     return Value::ofBool(toBool(value));
   case Type::String:

@@ -52,9 +52,9 @@ template <class T> T clamped(T x, T low, T high) {
 }
 
 std::int64_t ofWholeNumbers(const std::string &name, const std::vector<std::int64_t> &arguments,
-                            const Mistakes &mistakes) {
+                            const Rules &rules) {
   if (name == "mod") {
-    return remainderOf(arguments.at(0), arguments.at(1), mistakes);
+    return remainderOf(arguments.at(0), arguments.at(1), rules);
   }
   if (name == "abs") {
     const std::int64_t x = arguments.at(0);
@@ -101,7 +101,7 @@ bool accepts(const Function &function, const std::vector<Type> &arguments) {
   return isUniform && (type == Type::Double || (isWhole && function.forWholeNumbers));
 }
 
-Value call(const Function &function, const std::vector<Value> &arguments, const Mistakes &mistakes) {
+Value call(const Function &function, const std::vector<Value> &arguments, const Rules &rules) {
   const Type type = arguments.front().type;
   if (type == Type::Double) {
     if (arguments.size() == 1) {
@@ -113,10 +113,11 @@ Value call(const Function &function, const std::vector<Value> &arguments, const 
     return Value::ofDouble(clamped(arguments[0].real, arguments[1].real, arguments[2].real));
   }
   std::vector<std::int64_t> wholes;
+  wholes.reserve(arguments.size());
   for (const Value &argument : arguments) {
     wholes.push_back(type == Type::Int ? argument.whole : argument.wide);
   }
-  const std::int64_t result = ofWholeNumbers(function.name, wholes, mistakes);
+  const std::int64_t result = ofWholeNumbers(function.name, wholes, rules);
   if (type == Type::LongLong) {
     return Value::ofLongLong(result);
   }

@@ -25,6 +25,6 @@ bool accepts(const Function &function, const std::vector<Type> &arguments);
 
 /// \param arguments  of types that the function accepts
 /// \throws Error "Integer division by zero"
-Value call(const Function &function, const std::vector<Value> &arguments, const Mistakes &mistakes);
+Value call(const Function &function, const std::vector<Value> &arguments, const Rules &rules);
 
 } // namespace LanguageOracle

@@ -1,5 +1,6 @@
 #include "ExpressionBuilder/tests/property/OracleOperators.h"
 
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -7,8 +8,8 @@
 namespace LanguageOracle {
 namespace {
 
-[[noreturn]] void failDivisionByZero(const Mistakes &mistakes) {
-  throw Error(mistakes.otherErrorText ? "Division by zero" : "Integer division by zero");
+[[noreturn]] void failDivisionByZero(const Rules &rules) {
+  throw Error(rules.otherErrorText ? "Division by zero" : "Integer division by zero");
 }
 
 // Unsigned arithmetic of the same width has the bits of what wraps around.
@@ -24,23 +25,27 @@ template <class Whole> Whole wrapped(Binary op, Whole left, Whole right) {
   return result;
 }
 
-template <class Whole> Whole quotient(Whole left, Whole right, const Mistakes &mistakes) {
+template <class Whole> Whole quotient(Whole left, Whole right, const Rules &rules) {
   if (right == 0) {
-    failDivisionByZero(mistakes);
+    failDivisionByZero(rules);
   }
   if (left == std::numeric_limits<Whole>::min() && right == -1) {
     throw Error("Integer overflow");
   }
   const auto result = static_cast<Whole>(left / right);
   const bool isRoundedUp = left % right != 0 && (left < 0) != (right < 0);
-  return mistakes.quotientIsFloored && isRoundedUp ? static_cast<Whole>(result - 1) : result;
+  return rules.quotientIsFloored && isRoundedUp ? static_cast<Whole>(result - 1) : result;
 }
 
-template <class Whole> Whole arithmetic(Binary op, Whole left, Whole right, const Mistakes &mistakes) {
-  return op == Binary::Divide ? quotient(left, right, mistakes) : wrapped(op, left, right);
+template <class Whole> Whole arithmetic(Binary op, Whole left, Whole right, const Rules &rules) {
+  return op == Binary::Divide ? quotient(left, right, rules) : wrapped(op, left, right);
 }
 
-double arithmetic(Binary op, double left, double right) {
+double arithmetic(Binary op, double left, double right, const Rules &rules) {
+  if (std::isnan(left) && std::isnan(right)) {
+    const bool isExchangeable = op == Binary::Add || op == Binary::Multiply;
+    return isExchangeable && rules.secondNanCounts ? right : left;
+  }
   switch (op) {
   case Binary::Add:
     return left + right;
@@ -153,7 +158,7 @@ std::optional<Type> resultType(Prefix op, Type operand) {
   return op == Prefix::Not ? Type::Bool : operand;
 }
 
-Value apply(Binary op, const Value &left, const Value &right, const Mistakes &mistakes) {
+Value apply(Binary op, const Value &left, const Value &right, const Rules &rules) {
   if (isLogical(op)) {
     return Value::ofBool(op == Binary::And ? isTrue(left) && isTrue(right) : isTrue(left) || isTrue(right));
   }
@@ -162,15 +167,15 @@ Value apply(Binary op, const Value &left, const Value &right, const Mistakes &mi
   }
   switch (left.type) {
   case Type::Double:
-    return Value::ofDouble(arithmetic(op, left.real, right.real));
+    return Value::ofDouble(arithmetic(op, left.real, right.real, rules));
   case Type::Int:
-    return Value::ofInt(arithmetic(op, left.whole, right.whole, mistakes));
+    return Value::ofInt(arithmetic(op, left.whole, right.whole, rules));
   case Type::Bool:
-    return Value::ofInt(arithmetic<std::int32_t>(op, left.truth ? 1 : 0, right.truth ? 1 : 0, mistakes));
+    return Value::ofInt(arithmetic<std::int32_t>(op, left.truth ? 1 : 0, right.truth ? 1 : 0, rules));
   case Type::String:
     return Value::ofString(left.text + right.text);
   case Type::LongLong:
-    return Value::ofLongLong(arithmetic(op, left.wide, right.wide, mistakes));
+    return Value::ofLongLong(arithmetic(op, left.wide, right.wide, rules));
   }
   throw std::logic_error("no such type");
 }
@@ -193,9 +198,9 @@ Value apply(Prefix op, const Value &operand) {
   throw std::logic_error("no negation of this type");
 }
 
-std::int64_t remainderOf(std::int64_t left, std::int64_t right, const Mistakes &mistakes) {
+std::int64_t remainderOf(std::int64_t left, std::int64_t right, const Rules &rules) {
   if (right == 0) {
-    failDivisionByZero(mistakes);
+    failDivisionByZero(rules);
   }
   return right == -1 ? 0 : left % right;
 }

@@ -40,11 +40,11 @@ std::optional<Type> resultType(Prefix op, Type operand);
 
 /// Both operands have one type, for which the operator exists.
 /// \throws Error "Integer division by zero", "Integer overflow"
-Value apply(Binary op, const Value &left, const Value &right, const Mistakes &mistakes);
+Value apply(Binary op, const Value &left, const Value &right, const Rules &rules);
 Value apply(Prefix op, const Value &operand);
 
 /// The integer remainder with the sign of the first operand.
 /// \throws Error "Integer division by zero"
-std::int64_t remainderOf(std::int64_t left, std::int64_t right, const Mistakes &mistakes);
+std::int64_t remainderOf(std::int64_t left, std::int64_t right, const Rules &rules);
 
 } // namespace LanguageOracle

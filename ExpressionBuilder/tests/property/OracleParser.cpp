@@ -11,22 +11,6 @@ namespace {
 constexpr int kConditionalLevel = 10;
 constexpr int kLoosestLevel = 11;
 
-NodePtr constantNode(Value value) {
-  Node node;
-  node.type = value.type;
-  node.value = std::move(value);
-  return std::make_shared<const Node>(std::move(node));
-}
-
-Type mergedType(Type first, Type second) {
-  for (const Type type : {Type::String, Type::Double, Type::Int, Type::LongLong}) {
-    if (first == type || second == type) {
-      return type;
-    }
-  }
-  return Type::Bool;
-}
-
 } // namespace
 
 Parser::Parser(const std::string &text, const Variables &variables, const ParserOptions &options)
@@ -227,16 +211,7 @@ NodePtr Parser::parseConditional(NodePtr condition) {
   if (!whenFalse) {
     throw Error("Syntax error - False expression");
   }
-  if (m_options.coverage != nullptr) {
-    m_options.coverage->countConditional(condition->type, whenTrue->type, whenFalse->type);
-  }
-  Node node;
-  node.kind = Node::Kind::Conditional;
-  node.type = mergedType(whenTrue->type, whenFalse->type);
-  node.children.push_back(castTo(Type::Bool, std::move(condition)));
-  node.children.push_back(castTo(node.type, std::move(whenTrue)));
-  node.children.push_back(castTo(node.type, std::move(whenFalse)));
-  return fold(std::make_shared<const Node>(std::move(node)));
+  return conditionalNode(std::move(condition), std::move(whenTrue), std::move(whenFalse));
 }
 
 bool Parser::takePrefix(NodePtr &left) {
@@ -277,63 +252,6 @@ bool Parser::takeBinary(NodePtr &left, Limit limit) {
   }
   left = binaryNode(*op, std::move(left), std::move(right));
   return true;
-}
-
-NodePtr Parser::prefixNode(Prefix op, NodePtr operand) const {
-  if (m_options.coverage != nullptr) {
-    m_options.coverage->countPrefix(op, operand->type);
-  }
-  const std::optional<Type> type = resultType(op, operand->type);
-  if (!type) {
-    throw Error("Unsupported Operator");
-  }
-  if (op == Prefix::Plus) {
-    return operand;
-  }
-  Node node;
-  node.kind = Node::Kind::Prefix;
-  node.type = *type;
-  node.prefix = op;
-  node.children.push_back(std::move(operand));
-  return fold(std::make_shared<const Node>(std::move(node)));
-}
-
-NodePtr Parser::binaryNode(Binary op, NodePtr left, NodePtr right) const {
-  if (m_options.coverage != nullptr) {
-    m_options.coverage->countBinary(op, left->type, right->type);
-  }
-  const Type operandType = m_options.mistakes.leftOperandDecides ? left->type : right->type;
-  Node node;
-  node.kind = Node::Kind::Binary;
-  node.binary = op;
-  node.children.push_back(castTo(operandType, std::move(left)));
-  node.children.push_back(castTo(operandType, std::move(right)));
-  const std::optional<Type> type = resultType(op, operandType);
-  if (!type) {
-    throw Error("Unsupported Operator");
-  }
-  node.type = *type;
-  return fold(std::make_shared<const Node>(std::move(node)));
-}
-
-NodePtr Parser::castTo(Type type, NodePtr node) const {
-  if (node->type == type) {
-    return node;
-  }
-  Node cast;
-  cast.kind = Node::Kind::Cast;
-  cast.type = type;
-  cast.children.push_back(std::move(node));
-  return fold(std::make_shared<const Node>(std::move(cast)));
-}
-
-NodePtr Parser::fold(NodePtr node) const {
-  if (!m_options.foldConstants || node->kind == Node::Kind::Constant ||
-      !isConstant(*node, m_options.mistakes)) {
-    return node;
-  }
-  const Variables none;
-  return constantNode(Evaluation(none, m_options.mistakes).evaluate(*node));
 }
 
 } // namespace LanguageOracle

@@ -10,7 +10,7 @@ namespace LanguageOracle {
 
 struct ParserOptions {
   bool foldConstants = true;
-  Mistakes mistakes;
+  Rules rules;
   /// Counts what operators, conversions and functions meet; may be null.
   LanguageCoverage *coverage = nullptr;
 };
@@ -49,6 +49,7 @@ private:
 
   NodePtr prefixNode(Prefix op, NodePtr operand) const;
   NodePtr binaryNode(Binary op, NodePtr left, NodePtr right) const;
+  NodePtr conditionalNode(NodePtr condition, NodePtr whenTrue, NodePtr whenFalse) const;
   NodePtr fold(NodePtr node) const;
 
   bool isAtEnd() const { return m_position == m_text.size(); }

@@ -3,36 +3,44 @@
 #include "ExpressionBuilder/tests/property/OracleConversions.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace LanguageOracle {
 
-bool isConstant(const Node &node, const Mistakes &mistakes) {
+NodePtr constantNode(Value value) {
+  Node node;
+  node.type = value.type;
+  node.value = std::move(value);
+  return std::make_shared<const Node>(std::move(node));
+}
+
+bool isConstant(const Node &node, const Rules &rules) {
   switch (node.kind) {
   case Node::Kind::Constant:
     return true;
   case Node::Kind::Variable:
     return false;
   case Node::Kind::Conditional: {
-    if (!isConstant(*node.children[0], mistakes)) {
+    if (!isConstant(*node.children[0], rules)) {
       return false;
     }
     const Variables none;
-    const bool chosen = Evaluation(none, mistakes).evaluate(*node.children[0]).truth;
-    return isConstant(*node.children[chosen ? 1 : 2], mistakes);
+    const bool chosen = Evaluation(none, rules).evaluate(*node.children[0]).truth;
+    return isConstant(*node.children[chosen ? 1 : 2], rules);
   }
   default:
     return std::all_of(node.children.begin(), node.children.end(),
-                       [&mistakes](const NodePtr &child) { return isConstant(*child, mistakes); });
+                       [&rules](const NodePtr &child) { return isConstant(*child, rules); });
   }
 }
 
-Evaluation::Evaluation(const Variables &variables, const Mistakes &mistakes)
-    : m_variables(variables), m_mistakes(mistakes) {}
+Evaluation::Evaluation(const Variables &variables, const Rules &rules)
+    : m_variables(variables), m_rules(rules) {}
 
 std::vector<Value> Evaluation::evaluateChildren(const Node &node) {
   std::vector<Value> values(node.children.size());
   for (std::size_t done = 0; done < values.size(); ++done) {
-    const std::size_t next = m_mistakes.leftOperandFirst ? done : values.size() - 1 - done;
+    const std::size_t next = m_rules.leftOperandFirst ? done : values.size() - 1 - done;
     values[next] = evaluate(*node.children[next]);
   }
   return values;
@@ -67,14 +75,14 @@ Value Evaluation::evaluate(const Node &node) {
     return apply(node.prefix, evaluateChildren(node)[0]);
   case Node::Kind::Binary: {
     const std::vector<Value> operands = evaluateChildren(node);
-    return apply(node.binary, operands[0], operands[1], m_mistakes);
+    return apply(node.binary, operands[0], operands[1], m_rules);
   }
   case Node::Kind::Cast:
-    return convert(evaluateChildren(node)[0], node.type, m_mistakes);
+    return convert(evaluateChildren(node)[0], node.type, m_rules);
   case Node::Kind::Conditional:
     return evaluate(*node.children[evaluate(*node.children[0]).truth ? 1 : 2]);
   case Node::Kind::Call:
-    return call(*node.function, evaluateChildren(node), m_mistakes);
+    return call(*node.function, evaluateChildren(node), m_rules);
   }
   throw std::logic_error("no such node");
 }
@@ -91,9 +99,9 @@ void Evaluation::validate(const Node &node) {
   }
   if (node.kind == Node::Kind::Conditional) {
     validate(*node.children[0]);
-    if (isConstant(*node.children[0], m_mistakes)) {
+    if (isConstant(*node.children[0], m_rules)) {
       const Variables none;
-      const bool chosen = Evaluation(none, m_mistakes).evaluate(*node.children[0]).truth;
+      const bool chosen = Evaluation(none, m_rules).evaluate(*node.children[0]).truth;
       validate(*node.children[chosen ? 1 : 2]);
       return;
     }

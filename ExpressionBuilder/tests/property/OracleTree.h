@@ -31,14 +31,16 @@ struct Node {
   std::vector<NodePtr> children;      ///< of a conditional: condition, true branch, false branch
 };
 
+NodePtr constantNode(Value value);
+
 /// Whether the value can be known without variables. A conditional is constant when its condition and the
 /// branch that this selects are.
-bool isConstant(const Node &node, const Mistakes &mistakes);
+bool isConstant(const Node &node, const Rules &rules);
 
 /// Computes trees against variables.
 class Evaluation {
 public:
-  Evaluation(const Variables &variables, const Mistakes &mistakes);
+  Evaluation(const Variables &variables, const Rules &rules);
 
   /// \throws Error  the first error in the order of evaluation, the last operand first
   Value evaluate(const Node &node);
@@ -52,7 +54,7 @@ private:
   const Node &beginVariable(const std::string &name);
 
   const Variables &m_variables;
-  const Mistakes &m_mistakes;
+  const Rules &m_rules;
   std::set<std::string> m_inProgress;
 };
 

@@ -59,8 +59,12 @@ struct Outcome {
 std::string describe(const Outcome &outcome);
 bool same(const Outcome &left, const Outcome &right);
 
-/// Deliberate mistakes, for proving that a comparison notices them.
-struct Mistakes {
+/// What the language leaves open, and deliberate mistakes for proving that a comparison notices them.
+struct Rules {
+  /// Which of two NaN operands "+" and "*" pass on. They differ in the sign, which is seen in the text of the
+  /// result; processors take the first one, and compilers may exchange the operands.
+  bool secondNanCounts = false;
+
   bool leftOperandDecides = false;
   bool quotientIsFloored = false;
   bool otherErrorText = false;

@@ -1,0 +1,8 @@
+execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE output RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "The example failed: ${result}\n${output}")
+endif()
+file(READ ${EXPECTED} expected)
+if(NOT output STREQUAL expected)
+  message(FATAL_ERROR "Expected:\n${expected}\nGot:\n${output}")
+endif()
