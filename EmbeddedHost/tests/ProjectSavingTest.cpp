@@ -1,5 +1,5 @@
-#include "EmbeddedHost/src/project/Database.h"
-#include "EmbeddedHost/tests/ModelFixture.h"
+#include "EmbeddedHost/src/project/ProjectParts.h"
+#include "EmbeddedHost/tests/ProjectFixture.h"
 #include "HostModel/EntityEditor.h"
 #include "HostModel/Lookup.h"
 
@@ -15,34 +15,7 @@ using EntityModel::Entity;
 using EntityModel::ModelVersion;
 using Names = std::vector<std::string>;
 
-class ProjectSavingTest : public ModelTest {
-protected:
-  TestFolder folder;
-  std::string file = folder.path("fan.optstudy");
-  ModelVersion *base = project->rootVersion();
-
-  void saveAs() {
-    std::string problem;
-    ASSERT_TRUE(project->saveAs(file, problem)) << problem;
-    EXPECT_FALSE(project->needsSave());
-  }
-  void save() {
-    std::string problem;
-    ASSERT_TRUE(project->save(problem)) << problem;
-  }
-  std::unique_ptr<Project> openCopy(OpenMode mode = OpenMode::ReadOnly) {
-    std::string problem;
-    std::unique_ptr<Project> opened = Project::open(file, mode, problem);
-    EXPECT_EQ(problem, "");
-    if (opened == nullptr) {
-      throw std::runtime_error(problem);
-    }
-    return opened;
-  }
-  static Entity *part(Project &other, int index) {
-    return other.attribute(other.rootEntity(), "Parts")->asList()->getEntity(index);
-  }
-};
+class ProjectSavingTest : public ProjectTest {};
 
 TEST_F(ProjectSavingTest, EveryKindOfValue_ComesBack) {
   set(partA, "Width", "12.5 cm");
@@ -267,91 +240,59 @@ TEST_F(ProjectSavingTest, DeclaredTypes_ComeBack) {
             project->schema().findType("Part")->members().size());
 }
 
-TEST_F(ProjectSavingTest, SaveAs_RefusesExistingFilesAndSharedResults) {
-  saveAs();
-  std::string problem;
-  EXPECT_FALSE(project->saveAs(file, problem));
-  EXPECT_EQ(problem, "There is a file " + file + " already.");
-  EXPECT_FALSE(project->saveAs(folder.path("fan.other"), problem));
-  EXPECT_EQ(problem, "Two projects cannot share the results folder " + folder.path("fan.results") +
-                         "; choose another name.");
-  EXPECT_FALSE(project->saveAs(folder.path("no/such/folder.optstudy"), problem));
-  EXPECT_EQ(project->file(), file);
-  EXPECT_FALSE(std::filesystem::exists(folder.path("fan.other")));
-}
-
-TEST_F(ProjectSavingTest, SaveAs_MovesOnWithACopyOfEverything) {
+TEST_F(ProjectSavingTest, DamagedRow_IsNamed) {
   ModelVersion *next = follow(base, "V");
+  show(next);
+  set(partA, "Count", "7");
   saveAs();
-  writeFile(project->versionFolder(*next, true) + "/result.txt", "42");
-  std::string problem;
-  ASSERT_TRUE(project->recordRun(*next, {RunStatus::Ok, "", {"key"}, 1, 2.0, {}, 0, "", ""}, {}, problem))
-      << problem;
-  set(partA, "Count", "9");
-  const std::string second = folder.path("second.optstudy");
-
-  ASSERT_TRUE(project->saveAs(second, problem)) << problem;
-
-  EXPECT_EQ(project->file(), second);
-  EXPECT_EQ(contentOf(project->versionFolder(*next, false) + "/result.txt"), "42");
-  EXPECT_EQ(project->versionFolder(*next, false).rfind(folder.path("second.results/"), 0), 0U);
-  EXPECT_EQ(project->runRecord(*next).keys, (Names{"key"}));
-  const auto old = openCopy(OpenMode::ReadWrite);
-  EXPECT_EQ(old->attribute(part(*old, 0), "Count")->getValueAsString(), "3");
-  ModelVersion *oldNext = old->changeManager().findVersion("V", nullptr);
-  EXPECT_EQ(contentOf(old->versionFolder(*oldNext, false) + "/result.txt"), "42");
-}
-
-TEST_F(ProjectSavingTest, MovedProject_GoesOnWithItsResults) {
-  saveAs();
-  writeFile(project->versionFolder(*base, true) + "/result.txt", "42");
   project.reset();
-  std::filesystem::create_directory(folder.path("moved"));
-  std::filesystem::rename(file, folder.path("moved/fan.optstudy"));
-  std::filesystem::rename(folder.path("fan.results"), folder.path("moved/fan.results"));
-  file = folder.path("moved/fan.optstudy");
-  const auto other = openCopy();
-  EXPECT_EQ(contentOf(other->versionFolder(*other->rootVersion(), false) + "/result.txt"), "42");
-  EXPECT_EQ(contentOf(file).find(folder.path()), std::string::npos);
+  Database(file, Database::Access::ReadWrite).execute("UPDATE value SET path = 999 WHERE value = 7");
+  std::string problem;
+  EXPECT_EQ(Project::open(file, OpenMode::ReadOnly, problem), nullptr);
+  EXPECT_EQ(problem, "The project " + file +
+                         " is damaged: it holds a row that refers to an unknown text (version 2, entity 2).");
 }
 
-TEST_F(ProjectSavingTest, DestroyedVersion_LosesItsFolderWhenThatIsSaved) {
-  ModelVersion *next = follow(base, "V");
+TEST_F(ProjectSavingTest, Save_WithNothingChanged_WritesNothing) {
   saveAs();
-  const std::string results = project->versionFolder(*next, true);
-  bool destroyed = false;
-  tree.destroyVersion(next, nullptr, destroyed);
-  EXPECT_TRUE(std::filesystem::exists(results));
+  set(partA, "Count", "7");
   save();
-  EXPECT_FALSE(std::filesystem::exists(results));
+  const std::string content = contentOf(file);
+  const auto written = std::filesystem::last_write_time(file);
+  Database other(file, Database::Access::ReadWrite);
+  const std::int64_t before = other.number("PRAGMA data_version");
+  // Not even a transaction, which would have to wait for this one.
+  other.execute("BEGIN IMMEDIATE");
+  save();
+  other.execute("ROLLBACK");
+  // The flag is the program's to set; whether there is something to save is not its to say.
+  EntityGUI::EntityManager::setNeedsSave(true);
+  save();
+  EXPECT_FALSE(project->needsSave());
+  EXPECT_EQ(other.number("PRAGMA data_version"), before);
+  EXPECT_EQ(std::filesystem::last_write_time(file), written);
+  EXPECT_EQ(contentOf(file), content);
 }
 
-TEST_F(ProjectSavingTest, RemovalThatWasInterrupted_IsFinishedAtTheNextOpening) {
-  ModelVersion *next = follow(base, "V");
+TEST_F(ProjectSavingTest, Save_OfOneEdit_WritesOneRow) {
+  set(partA, "Count", "7");
   saveAs();
-  const std::string results = project->versionFolder(*next, true);
-  const std::string name = std::filesystem::path(results).filename().string();
-  std::filesystem::create_directories(folder.path("fan.results/unfinished/half"));
-  project.reset();
-  {
-    Database database(file, Database::Access::ReadWrite);
-    database.execute(("INSERT INTO removed_folder VALUES ('" + name + "')").c_str());
-  }
-  openCopy(OpenMode::ReadOnly);
-  EXPECT_TRUE(std::filesystem::exists(results));
-  openCopy(OpenMode::ReadWrite);
-  EXPECT_FALSE(std::filesystem::exists(results));
-  EXPECT_FALSE(std::filesystem::exists(folder.path("fan.results/unfinished")));
-  EXPECT_EQ(Database(file, Database::Access::ReadOnly).number("SELECT count(*) FROM removed_folder"), 0);
+  Database &database = project->parts().file->database();
+  const std::int64_t before = database.number("SELECT total_changes()");
+  set(partA, "Count", "8");
+  save();
+  EXPECT_EQ(database.number("SELECT total_changes()"), before + 1);
 }
 
-TEST_F(ProjectSavingTest, VersionThatWasNeverSaved_LeavesNoFolder) {
-  saveAs();
+TEST_F(ProjectSavingTest, Save_OfASwitchAlone_KeepsTheCurrentVersion) {
   ModelVersion *next = follow(base, "V");
-  const std::string results = project->versionFolder(*next, true);
-  EXPECT_TRUE(std::filesystem::exists(results));
-  project.reset();
-  EXPECT_FALSE(std::filesystem::exists(results));
+  saveAs();
+  show(base);
+  save();
+  EXPECT_EQ(openCopy()->currentVersion()->getLabel(), "Base");
+  show(next);
+  save();
+  EXPECT_EQ(openCopy()->currentVersion()->getLabel(), "V");
 }
 
 } // namespace

@@ -190,6 +190,18 @@ void Transaction::commit() {
   m_isOpen = false;
 }
 
+ReadTransaction::ReadTransaction(Database &database) : m_database(database) {
+  m_database.execute("BEGIN");
+}
+
+ReadTransaction::~ReadTransaction() {
+  try {
+    m_database.execute("COMMIT");
+  } catch (const DatabaseError &) {
+    // After a failed read the database may have ended it itself.
+  }
+}
+
 std::string bytesOf(double value) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value, sizeof bits);

@@ -107,6 +107,18 @@ private:
   bool m_isOpen = true;
 };
 
+/// Everything that is read while it lives is as it was at the first reading. Nothing can be written meanwhile.
+class ReadTransaction {
+public:
+  explicit ReadTransaction(Database &database);
+  ReadTransaction(const ReadTransaction &) = delete;
+  ReadTransaction &operator=(const ReadTransaction &) = delete;
+  ~ReadTransaction();
+
+private:
+  Database &m_database;
+};
+
 /// Which bytes stand for a double that is no number, and back.
 std::string bytesOf(double value);
 double doubleOf(std::string_view bytes);

@@ -1,16 +1,13 @@
 #include "EmbeddedHost/src/project/ProjectFile.h"
 
 #include "EmbeddedHost/SystemReason.h"
+#include "EmbeddedHost/src/project/FileChecks.h"
 #include "EmbeddedHost/src/project/FolderName.h"
-#include "EmbeddedHost/src/project/ProjectReader.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -18,46 +15,6 @@
 namespace EmbeddedHost {
 
 namespace {
-
-constexpr std::size_t kHeaderSize = 100;
-using Header = std::array<unsigned char, kHeaderSize>;
-
-std::int64_t bigEndian(const Header &header, std::size_t offset) {
-  std::int64_t number = 0;
-  for (std::size_t byte = 0; byte < 4; ++byte) {
-    number = number * 256 + header[offset + byte];
-  }
-  return number;
-}
-
-// Says what is wrong with a file, "" for nothing. The file is read through the database library without locks and
-// journals: a descriptor of our own would, when closed, drop the library's locks on the file.
-std::string checkHeader(const std::string &file) {
-  const std::string name = "The file " + file;
-  Database glance(file, Database::Access::Header);
-  Header header = {};
-  if (!glance.readStart(header.data(), static_cast<int>(header.size())) ||
-      std::memcmp(header.data(), "SQLite format 3", 16) != 0 || bigEndian(header, 68) != kApplicationId) {
-    return name + " is no project.";
-  }
-  if (bigEndian(header, 60) > kFormatVersion) {
-    return name + " was written by a newer version of this program: its format is " +
-           std::to_string(bigEndian(header, 60)) + ", known here is " + std::to_string(kFormatVersion) + ".";
-  }
-  // Neither an older format nor another way of keeping a journal was ever written.
-  if (bigEndian(header, 60) != kFormatVersion || header[18] != 1 || header[19] != 1) {
-    return name + " is damaged: its header contradicts itself.";
-  }
-  return {};
-}
-
-std::string checkFile(const std::string &file) {
-  struct stat status = {};
-  if (stat(file.c_str(), &status) != 0) {
-    return "The project " + file + " cannot be opened: " + systemReason(errno) + ".";
-  }
-  return S_ISREG(status.st_mode) ? std::string() : file + " is no file.";
-}
 
 std::string describe(const std::string &file, const DatabaseError &error) {
   switch (error.code() & 0xFF) {
@@ -80,7 +37,39 @@ bool renameWithoutReplacing(const std::string &from, const std::string &to) {
   if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
     return true;
   }
-  return errno == EINVAL && link(from.c_str(), to.c_str()) == 0 && unlink(from.c_str()) == 0;
+  if (errno != EINVAL || link(from.c_str(), to.c_str()) != 0) {
+    return false;
+  }
+  if (unlink(from.c_str()) == 0) {
+    return true;
+  }
+  const int error = errno;
+  unlink(to.c_str());
+  errno = error;
+  return false;
+}
+
+void writeNewFile(const std::string &path, const std::function<void(Database &, TextTable &)> &fill) {
+  Database database(path, Database::Access::Create);
+  database.execute("PRAGMA synchronous = FULL");
+  TextTable texts(database);
+  Transaction transaction(database);
+  createTables(database);
+  fill(database, texts);
+  transaction.commit();
+}
+
+std::string unsyncedFolder(const std::string &folder) {
+  return "The folder " + folder + " cannot be written to the disk: " + systemReason(errno) + ".";
+}
+
+// Plays the journal of an interrupted save back, which somebody who only reads cannot do.
+void recover(const std::string &path) {
+  std::string problem;
+  const std::unique_ptr<FileLock> lock = FileLock::acquire(path, problem);
+  if (lock != nullptr) {
+    Database(path, Database::Access::ReadWrite).number("SELECT count(*) FROM sqlite_schema");
+  }
 }
 
 } // namespace
@@ -91,7 +80,9 @@ bool syncFolder(const std::string &folder) {
     return false;
   }
   const bool isDone = fsync(descriptor) == 0;
+  const int error = errno;
   close(descriptor);
+  errno = error;
   return isDone;
 }
 
@@ -101,6 +92,21 @@ ProjectFile::ProjectFile(std::string path, Database::Access access, std::unique_
   // was reported as saved.
   m_database.execute("PRAGMA synchronous = EXTRA");
   m_database.execute("PRAGMA cell_size_check = ON");
+}
+
+std::unique_ptr<ProjectFile> ProjectFile::connect(const std::string &path, OpenMode mode,
+                                                  std::unique_ptr<FileLock> lock) {
+  const bool writes = mode == OpenMode::ReadWrite;
+  const Database::Access access = writes ? Database::Access::ReadWrite : Database::Access::ReadOnly;
+  try {
+    return std::unique_ptr<ProjectFile>(new ProjectFile(path, access, std::move(lock)));
+  } catch (const DatabaseError &error) {
+    if (writes || error.code() != SQLITE_READONLY_ROLLBACK) {
+      throw;
+    }
+  }
+  recover(path);
+  return std::unique_ptr<ProjectFile>(new ProjectFile(path, access, nullptr));
 }
 
 std::unique_ptr<ProjectFile> ProjectFile::open(const std::string &file, OpenMode mode, std::string &problem) {
@@ -118,16 +124,19 @@ std::unique_ptr<ProjectFile> ProjectFile::open(const std::string &file, OpenMode
     if (problem.empty() && mode == OpenMode::ReadWrite) {
       lock = FileLock::acquire(path, problem);
     }
+    if (problem.empty()) {
+      problem = checkBesideProject(path);
+    }
     if (!problem.empty()) {
       return nullptr;
     }
-    const bool writes = mode == OpenMode::ReadWrite;
-    std::unique_ptr<ProjectFile> opened(new ProjectFile(
-        path, writes ? Database::Access::ReadWrite : Database::Access::ReadOnly, std::move(lock)));
-    if (writes && opened->m_database.isReadOnly()) {
+    std::unique_ptr<ProjectFile> opened = connect(path, mode, std::move(lock));
+    if (mode == OpenMode::ReadWrite && opened->m_database.isReadOnly()) {
       problem = "The project " + file + " cannot be written; it can be opened for reading only.";
       return nullptr;
     }
+    // What is checked has to be what is read then, whatever another process saves meanwhile.
+    opened->m_reading = std::make_unique<ReadTransaction>(opened->m_database);
     Statement check = opened->m_database.prepare("PRAGMA quick_check(1)");
     if (!check.step() || check.text(0) != "ok") {
       problem = "The project " + file + " is damaged: " + std::string(check.text(0)) + ".";
@@ -145,7 +154,10 @@ std::unique_ptr<ProjectFile> ProjectFile::create(const std::string &file,
                                                  std::string &problem) {
   namespace fs = std::filesystem;
   std::error_code error;
-  const fs::path folder = fs::canonical(fs::absolute(file).parent_path(), error);
+  fs::path folder = fs::absolute(file, error).parent_path();
+  if (!error) {
+    folder = fs::canonical(folder, error);
+  }
   const std::string path = (folder / fs::path(file).filename()).string();
   if (error || fs::path(file).filename().empty()) {
     problem = "The project " + file +
@@ -153,39 +165,36 @@ std::unique_ptr<ProjectFile> ProjectFile::create(const std::string &file,
     return nullptr;
   }
   std::unique_ptr<FileLock> lock = FileLock::acquire(path, problem);
-  if (lock == nullptr) {
+  if (lock != nullptr) {
+    problem = checkBesideNewProject(path);
+  }
+  if (!problem.empty()) {
     return nullptr;
   }
   const std::string unfinished = path + ".new-" + newFolderName();
+  bool isNamed = false;
   try {
-    {
-      Database database(unfinished, Database::Access::Create);
-      database.execute("PRAGMA synchronous = FULL");
-      TextTable texts(database);
-      Transaction transaction(database);
-      createTables(database);
-      fill(database, texts);
-      transaction.commit();
-    }
-    if (!renameWithoutReplacing(unfinished, path)) {
-      problem = "The project " + file + " cannot be made: " + systemReason(errno) + ".";
-      fs::remove(unfinished, error);
-    }
-    if (!problem.empty()) {
-      return nullptr;
-    }
+    writeNewFile(unfinished, fill);
+    // Before the file has its name, too: a folder that cannot be written to the disk is better noticed now.
     if (!syncFolder(folder.string())) {
-      problem =
-          "The folder " + folder.string() + " cannot be written to the disk: " + systemReason(errno) + ".";
-      return nullptr;
+      problem = unsyncedFolder(folder.string());
+    } else if (!renameWithoutReplacing(unfinished, path)) {
+      problem = "The project " + file + " cannot be made: " + systemReason(errno) + ".";
+    } else {
+      isNamed = true;
+      if (syncFolder(folder.string())) {
+        return std::unique_ptr<ProjectFile>(
+            new ProjectFile(path, Database::Access::ReadWrite, std::move(lock)));
+      }
+      problem = unsyncedFolder(folder.string());
     }
-    return std::unique_ptr<ProjectFile>(new ProjectFile(path, Database::Access::ReadWrite, std::move(lock)));
   } catch (const DatabaseError &failure) {
     problem = describe(file, failure);
-    fs::remove(unfinished, error);
-    fs::remove(unfinished + "-journal", error);
-    return nullptr;
   }
+  // What could not be made is not to be found later, without what belongs beside it.
+  fs::remove(isNamed ? path : unfinished, error);
+  fs::remove(unfinished + "-journal", error);
+  return nullptr;
 }
 
 bool ProjectFile::change(const std::function<void(Database &, TextTable &)> &change, std::string &problem) {

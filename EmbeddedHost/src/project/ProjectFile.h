@@ -14,10 +14,11 @@ namespace EmbeddedHost {
 /// The open file of a project: a connection to its database and, for writing, the lock on it.
 class ProjectFile {
 public:
-  /// Opens a file after making sure that it is a sound project of a known format.
+  /// Opens a file after making sure that it is a sound project of a known format. Until endReading() everything is
+  /// read as it was at that moment, and nothing can be changed.
   /// \return null with one sentence in \p problem
   static std::unique_ptr<ProjectFile> open(const std::string &file, OpenMode mode, std::string &problem);
-  /// Makes a file that appears whole or not at all.
+  /// Makes a file that appears whole or not at all, and is not there when null is answered.
   /// \param fill  writes the content in the transaction that makes the tables
   static std::unique_ptr<ProjectFile> create(const std::string &file,
                                              const std::function<void(Database &, TextTable &)> &fill,
@@ -27,16 +28,21 @@ public:
   Database &database() { return m_database; }
   TextTable &texts() { return m_texts; }
 
+  /// The content has been read.
+  void endReading() { m_reading.reset(); }
   /// Carries out a change in one transaction. \return false with one sentence in \p problem; nothing has changed
   bool change(const std::function<void(Database &, TextTable &)> &change, std::string &problem);
 
 private:
   ProjectFile(std::string path, Database::Access access, std::unique_ptr<FileLock> lock);
+  static std::unique_ptr<ProjectFile> connect(const std::string &path, OpenMode mode,
+                                              std::unique_ptr<FileLock> lock);
 
   std::string m_path;
   std::unique_ptr<FileLock> m_lock;
   Database m_database;
   TextTable m_texts;
+  std::unique_ptr<ReadTransaction> m_reading;
 };
 
 /// Writes what a folder's entry is to the disk. \return whether that was done

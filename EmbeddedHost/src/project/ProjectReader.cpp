@@ -1,216 +1,24 @@
 #include "EmbeddedHost/src/project/ProjectReader.h"
 
-#include "EmbeddedHost/Units.h"
 #include "EmbeddedHost/src/model/Model.h"
 #include "EmbeddedHost/src/model/NumberText.h"
 #include "EmbeddedHost/src/project/FolderName.h"
-#include "EmbeddedHost/src/project/MemberFlags.h"
+#include "EmbeddedHost/src/project/ValueReader.h"
 
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace EmbeddedHost {
 
 namespace {
 
-constexpr std::size_t kDeepestComposite = 64;
 // Far above any real one, far below what would overflow.
 constexpr std::int64_t kHighestNumber = std::int64_t{1} << 60;
-
-struct DeclaredMember {
-  std::int64_t number = 0;
-  std::int64_t parent = 0;
-  MemberType member;
-};
-
-std::optional<double> limit(const Statement &row, int column) {
-  return row.isNull(column) ? std::nullopt : std::optional<double>(row.real(column));
-}
-
-DeclaredMember readMember(const Statement &row) {
-  DeclaredMember declared;
-  declared.number = row.integer(0);
-  declared.parent = row.integer(1);
-  MemberType &member = declared.member;
-  member.label = row.text(2);
-  const std::int64_t kind = row.integer(3);
-  if (kind < static_cast<int>(MemberKind::Real) || kind > static_cast<int>(MemberKind::Composite)) {
-    throw DamagedProject("a member of unknown kind");
-  }
-  member.kind = static_cast<MemberKind>(kind);
-  member.standardUnit = row.text(4);
-  member.displayUnit = row.text(5);
-  member.minimum = limit(row, 6);
-  member.maximum = limit(row, 7);
-  member.defaultText = row.text(8);
-  member.targetType = row.text(9);
-  setFlags(member, row.integer(10));
-  member.options = unpackTexts(row.text(11));
-  return declared;
-}
-
-std::vector<MemberType> membersOf(const std::vector<DeclaredMember> &all, std::int64_t parent,
-                                  std::size_t depth) {
-  if (depth > kDeepestComposite) {
-    throw DamagedProject("a composite that holds itself");
-  }
-  std::vector<MemberType> members;
-  for (const DeclaredMember &declared : all) {
-    if (declared.parent == parent) {
-      members.push_back(declared.member);
-      members.back().members = membersOf(all, declared.number, depth + 1);
-    }
-  }
-  return members;
-}
-
-/// The texts behind the numbers in rows of values, as paths and as units where they are asked for.
-class TextReader {
-public:
-  explicit TextReader(Database &database) {
-    Statement rows = database.prepare("SELECT number, text FROM text");
-    while (rows.step()) {
-      m_texts.emplace(rows.integer(0), Entry{std::string(rows.text(1)), {}, nullptr});
-    }
-    for (auto &[number, entry] : m_texts) {
-      entry.path = EntityModel::AttributePath(entry.text);
-    }
-  }
-
-  const EntityModel::AttributePath &path(std::int64_t number) { return find(number).path; }
-
-  const Unit &unit(std::int64_t number) {
-    Entry &entry = find(number);
-    if (entry.unit == nullptr) {
-      const UnitResult result = UnitSystem::process().parse(entry.text);
-      if (result.unit == nullptr) {
-        throw DamagedProject("a value whose unit cannot be read: " + result.problem);
-      }
-      entry.unit = result.unit;
-    }
-    return *entry.unit;
-  }
-
-private:
-  struct Entry {
-    std::string text;
-    EntityModel::AttributePath path;
-    const Unit *unit = nullptr;
-  };
-
-  Entry &find(std::int64_t number) {
-    const auto found = m_texts.find(number);
-    if (found == m_texts.end()) {
-      throw DamagedProject("a row that refers to an unknown text");
-    }
-    return found->second;
-  }
-
-  std::unordered_map<std::int64_t, Entry> m_texts;
-};
-
-/// Turns rows of values into values.
-class ValueReader {
-public:
-  ValueReader(const Model &model, TextReader &texts) : m_model(model), m_texts(texts) {}
-
-  /// \param column  of the value; the next one holds what belongs to it
-  Value read(const Statement &row, int column, const Slot &slot) {
-    if (row.isNull(column)) {
-      return {};
-    }
-    switch (slot.member->kind) {
-    case MemberKind::Real:
-      return readReal(row, column, slot);
-    case MemberKind::Integer:
-    case MemberKind::Boolean:
-    case MemberKind::Choice:
-      return readNumber(row, column, slot);
-    case MemberKind::Text:
-      return makeText(row.text(column));
-    case MemberKind::TypeReference:
-      return readType(row, column, slot);
-    case MemberKind::EntityLink:
-      return readLink(row, column);
-    case MemberKind::AttributeReference:
-      return readReference(row, column);
-    case MemberKind::EntityList:
-      return readList(row.text(column));
-    case MemberKind::Composite:
-      break;
-    }
-    throw DamagedProject("a value for a composite");
-  }
-
-private:
-  Value readReal(const Statement &row, int column, const Slot &slot) {
-    RealValue real{row.real(column), nullptr};
-    if (slot.member->standard != nullptr && !row.isNull(column + 1)) {
-      real.unit = &m_texts.unit(row.integer(column + 1));
-      if (!UnitSystem::process().areConvertible(*real.unit, *slot.member->standard)) {
-        throw DamagedProject("a value in a unit of another quantity");
-      }
-    }
-    return real;
-  }
-
-  static Value readNumber(const Statement &row, int column, const Slot &slot) {
-    const std::int64_t number = row.integer(column);
-    const bool isChoice = slot.member->kind == MemberKind::Choice;
-    const bool isBoolean = slot.member->kind == MemberKind::Boolean;
-    const auto highest = isChoice ? static_cast<std::int64_t>(slot.member->options.size()) : std::int64_t{1};
-    if ((isChoice || isBoolean) && (number < (isChoice ? 1 : 0) || number > highest)) {
-      throw DamagedProject("a choice of an option that there is not");
-    }
-    return number;
-  }
-
-  static Value readType(const Statement &row, int column, const Slot &slot) {
-    const std::string_view label = row.text(column);
-    const std::vector<std::string> &options = slot.member->options;
-    if (std::find(options.begin(), options.end(), label) == options.end()) {
-      throw DamagedProject("a type that may not stand where it stands");
-    }
-    return EntityModel::TypeRef::fromLabel(label);
-  }
-
-  // An entity that was deleted is no damage: a link to it is empty.
-  Value readLink(const Statement &row, int column) const {
-    ModelEntity *entity = m_model.findEntity(row.integer(column));
-    return entity == nullptr ? Value() : Value(LinkValue{entity, row.integer(column + 1) != 0});
-  }
-
-  Value readReference(const Statement &row, int column) const {
-    ModelEntity *entity = m_model.findEntity(row.integer(column + 1));
-    if (entity == nullptr) {
-      return {};
-    }
-    return std::make_shared<const AttributeTarget>(
-        AttributeTarget{entity, EntityModel::AttributePath(std::string(row.text(column)))});
-  }
-
-  Value readList(std::string_view text) const {
-    auto list = std::make_shared<ListContent>();
-    while (!text.empty()) {
-      const std::size_t end = text.find_first_of("+-");
-      const std::optional<std::int64_t> number =
-          end == std::string_view::npos ? std::nullopt : readInteger(text.substr(0, end));
-      if (!number.has_value()) {
-        throw DamagedProject("a list that cannot be read");
-      }
-      if (ModelEntity *entity = m_model.findEntity(*number)) {
-        list->elements.push_back({entity, text[end] == '+'});
-      }
-      text.remove_prefix(end + 1);
-    }
-    return list;
-  }
-
-  const Model &m_model;
-  TextReader &m_texts;
-};
 
 std::int64_t property(Database &database, const char *key) {
   Statement row = database.prepare("SELECT value FROM property WHERE key = ?");
@@ -235,7 +43,7 @@ void readEntities(Database &database, Model &model) {
     const bool isRoot = type == model.schema().rootType();
     if (type == nullptr || number < 1 || number > kHighestNumber ||
         isRoot != (number == model.root().number())) {
-      throw DamagedProject("an entity of unknown type");
+      throw DamagedProject("an entity of unknown type (entity " + std::to_string(number) + ")");
     }
     if (isRoot) {
       hasRoot = true;
@@ -263,6 +71,22 @@ std::set<EntityModel::ModelVersionStudyCaseFlag> readCaseFlags(std::string_view 
   return flags;
 }
 
+// A folder that a version has is never to be removed, nor shared with another version that would remove it.
+void checkFolders(Database &database, const Model &model) {
+  std::unordered_set<std::string_view> folders;
+  for (const auto &[number, version] : model.tree().versions()) {
+    if (!folders.insert(version->folder()).second) {
+      throw DamagedProject("a folder of two versions (version " + std::to_string(number) + ")");
+    }
+  }
+  Statement rows = database.prepare("SELECT folder FROM removed_folder");
+  while (rows.step()) {
+    if (folders.count(rows.text(0)) != 0) {
+      throw DamagedProject("a removed folder that a version has: " + std::string(rows.text(0)));
+    }
+  }
+}
+
 void readVersions(Database &database, Model &model) {
   std::map<std::int64_t, std::vector<Version *>> families;
   std::unordered_map<std::int64_t, Version *> known;
@@ -276,7 +100,7 @@ void readVersions(Database &database, Model &model) {
     // A version is always made after the one that it follows, so there can be no circle.
     if (number <= kProjectLevel || number > kHighestNumber || isFirst != rows.isNull(2) ||
         (!isFirst && previous == known.end()) || !isFolderName(rows.text(1))) {
-      throw DamagedProject("a version without place");
+      throw DamagedProject("a version without place (version " + std::to_string(number) + ")");
     }
     VersionMarks marks;
     marks.label = rows.text(3);
@@ -295,7 +119,7 @@ void readVersions(Database &database, Model &model) {
       std::vector<Version *> &members = families[rows.integer(12)];
       version.rank = rows.real(13);
       if (std::isnan(version.rank)) {
-        throw DamagedProject("an alternate without place");
+        throw DamagedProject("an alternate without place (version " + std::to_string(number) + ")");
       }
       if (rows.integer(12) != number) {
         members.push_back(&version);
@@ -313,12 +137,10 @@ void readVersions(Database &database, Model &model) {
   }
 }
 
-void readValues(Database &database, Model &model) {
+void readValues(Statement &rows, Database &database, Model &model) {
   TextReader texts(database);
   ValueReader values(model, texts);
   const auto &versions = model.tree().versions();
-  Statement rows = database.prepare(
-      "SELECT version, entity, path, value, extra FROM value ORDER BY version, entity, path");
   Version *version = nullptr;
   std::int64_t versionNumber = kProjectLevel;
   ModelEntity *entity = nullptr;
@@ -359,32 +181,23 @@ void readValues(Database &database, Model &model) {
   finishVersion();
 }
 
-} // namespace
-
-ModelSchema readSchema(Database &database) {
-  ModelSchema schema;
-  Statement types = database.prepare("SELECT label FROM type ORDER BY position");
-  while (types.step()) {
-    const std::string label(types.text(0));
-    Statement rows = database.prepare(
-        "SELECT number, parent, label, kind, standard_unit, display_unit, minimum, maximum, "
-        "default_text, target_type, flags, options FROM member WHERE type = ? ORDER BY number");
-    rows.bindText(1, label);
-    std::vector<DeclaredMember> members;
-    while (rows.step()) {
-      members.push_back(readMember(rows));
-    }
-    const std::string problem = schema.declareType(label, membersOf(members, 0, 0));
-    if (!problem.empty()) {
-      throw DamagedProject("a type that cannot be declared: " + problem);
-    }
+void readValues(Database &database, Model &model) {
+  Statement rows = database.prepare(
+      "SELECT version, entity, path, value, extra FROM value ORDER BY version, entity, path");
+  try {
+    readValues(rows, database, model);
+  } catch (const DamagedProject &damage) {
+    throw DamagedProject(damage.what() + (" (version " + std::to_string(rows.integer(0))) + ", entity " +
+                         std::to_string(rows.integer(1)) + ")");
   }
-  return schema;
 }
+
+} // namespace
 
 void readModel(Database &database, Model &model) {
   readEntities(database, model);
   readVersions(database, model);
+  checkFolders(database, model);
   readValues(database, model);
   model.reserveNumbers(property(database, "next_entity"));
   model.tree().reserveNumbers(property(database, "next_version"));

@@ -1,5 +1,6 @@
 #include "EmbeddedHost/Project.h"
 #include "EmbeddedHost/SystemReason.h"
+#include "EmbeddedHost/src/project/FileChecks.h"
 #include "EmbeddedHost/src/project/ProjectParts.h"
 #include "EmbeddedHost/src/project/ProjectReader.h"
 #include "EmbeddedHost/src/project/ProjectWriter.h"
@@ -27,15 +28,30 @@ void Project::Parts::removeDestroyedFolders() {
 
 namespace {
 
-// Folders of versions whose removal was saved, but which an interrupted program did not get to.
-void removeLeftFolders(ProjectFile &file) {
+std::vector<std::string> removedFolders(Database &database) {
   std::vector<std::string> folders;
-  {
-    Statement rows = file.database().prepare("SELECT folder FROM removed_folder");
-    while (rows.step()) {
-      folders.emplace_back(rows.text(0));
+  Statement rows = database.prepare("SELECT folder FROM removed_folder");
+  while (rows.step()) {
+    folders.emplace_back(rows.text(0));
+  }
+  return folders;
+}
+
+// Forgets the folders that are gone. The others are tried again at the next opening.
+void forgetRemovedFolders(Database &database, const std::string &projectFile) {
+  Statement row = database.prepare("DELETE FROM removed_folder WHERE folder = ?");
+  for (const std::string &folder : removedFolders(database)) {
+    std::error_code error;
+    const std::string path = versionFolderPath(projectFile, folder, false);
+    if (path.empty() || fs::symlink_status(path, error).type() == fs::file_type::not_found) {
+      row.bindText(1, folder).run();
     }
   }
+}
+
+// Folders of versions whose removal was saved, but which an interrupted program did not get to.
+void removeLeftFolders(ProjectFile &file) {
+  const std::vector<std::string> folders = removedFolders(file.database());
   if (folders.empty()) {
     return;
   }
@@ -45,8 +61,17 @@ void removeLeftFolders(ProjectFile &file) {
   std::string problem;
   // What cannot be noted as removed now is removed again the next time.
   file.change(
-      [](Database &database, TextTable & /*texts*/) { database.execute("DELETE FROM removed_folder"); },
+      [&file](Database &database, TextTable & /*texts*/) { forgetRemovedFolders(database, file.path()); },
       problem);
+}
+
+// Whether there is something to be saved. When that cannot be found out, saving says why.
+bool hasChanges(ProjectFile &file, const Model &model) {
+  try {
+    return ProjectWriter(file.database(), file.texts()).hasChanges(model);
+  } catch (const DatabaseError &) {
+    return true;
+  }
 }
 
 void copyRuns(Database &from, ProjectWriter &to) {
@@ -70,6 +95,7 @@ std::unique_ptr<Project> Project::open(const std::string &file, OpenMode mode, s
   try {
     auto parts = std::make_unique<Parts>(readSchema(opened->database()), behaviour);
     readModel(opened->database(), parts->model);
+    opened->endReading();
     parts->isReadOnly = mode == OpenMode::ReadOnly;
     if (!parts->isReadOnly) {
       removeLeftFolders(*opened);
@@ -119,12 +145,13 @@ bool Project::save(std::string &problem) {
     problem = "The project " + own.filePath + " was opened for reading only.";
     return false;
   }
-  const bool isSaved = own.file->change(
-      [&own](Database &database, TextTable &texts) {
-        database.execute("DELETE FROM removed_folder");
-        ProjectWriter(database, texts).writeChanges(own.model);
-      },
-      problem);
+  const bool isSaved =
+      !hasChanges(*own.file, own.model) || own.file->change(
+                                               [&own](Database &database, TextTable &texts) {
+                                                 forgetRemovedFolders(database, own.filePath);
+                                                 ProjectWriter(database, texts).writeChanges(own.model);
+                                               },
+                                               problem);
   if (isSaved) {
     own.removeDestroyedFolders();
     own.model.forgetUnsaved();
@@ -136,18 +163,28 @@ bool Project::saveAs(const std::string &file, std::string &problem) {
   problem.clear();
   Parts &own = *m_parts;
   std::error_code error;
-  const fs::path absolute = fs::absolute(file);
-  if (fs::symlink_status(absolute, error).type() != fs::file_type::not_found) {
-    problem = "There is a file " + file + " already.";
-    return false;
+  const fs::path absolute = fs::absolute(file, error);
+  fs::path folder;
+  if (!error) {
+    folder = fs::canonical(absolute.parent_path(), error);
   }
-  const fs::path folder = fs::canonical(absolute.parent_path(), error);
-  const std::string path = (folder / absolute.filename()).string();
-  const std::string results = resultsFolder(path);
   if (error) {
     problem = "The folder of " + file + " cannot be used: " + systemReason(error.value()) + ".";
     return false;
   }
+  const std::string path = (folder / absolute.filename()).string();
+  const fs::file_type present = fs::symlink_status(path, error).type();
+  if (present != fs::file_type::not_found) {
+    problem = present == fs::file_type::none
+                  ? "The project " + file + " cannot be made: " + systemReason(error.value()) + "."
+                  : "There is a file " + file + " already.";
+    return false;
+  }
+  problem = checkBesideNewProject(path);
+  if (!problem.empty()) {
+    return false;
+  }
+  const std::string results = resultsFolder(path);
   if (own.file != nullptr && results == resultsFolder(own.filePath)) {
     problem = "Two projects cannot share the results folder " + results + "; choose another name.";
     return false;

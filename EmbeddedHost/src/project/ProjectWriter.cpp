@@ -3,6 +3,9 @@
 #include "EmbeddedHost/src/model/Model.h"
 #include "EmbeddedHost/src/project/MemberFlags.h"
 
+#include <algorithm>
+#include <array>
+
 namespace EmbeddedHost {
 
 namespace {
@@ -17,6 +20,19 @@ void bindLimit(Statement &statement, int parameter, const std::optional<double> 
 
 std::int64_t flag(bool isSet) {
   return isSet ? 1 : 0;
+}
+
+struct Property {
+  const char *key;
+  std::int64_t value;
+};
+
+std::array<Property, 3> propertiesOf(const Model &model) {
+  const Version *current = model.tree().current();
+  return {{{"current_version", current == nullptr ? model.tree().root()->number() : current->number()},
+           // So that the number of what was destroyed is never given to something else.
+           {"next_version", model.tree().nextNumber()},
+           {"next_entity", model.nextNumber()}}};
 }
 
 } // namespace
@@ -100,16 +116,18 @@ void ProjectWriter::putVersion(const Version &version) {
   row.run();
 }
 
-void ProjectWriter::putProperty(const char *key, std::int64_t value) {
-  m_database.prepare("INSERT OR REPLACE INTO property VALUES (?, ?)").bindText(1, key).bind(2, value).run();
+bool ProjectWriter::isSaved(const char *key, std::int64_t value) {
+  Statement row = m_database.prepare("SELECT 1 FROM property WHERE key = ? AND value = ?");
+  return row.bindText(1, key).bind(2, value).step();
 }
 
 void ProjectWriter::putProperties(const Model &model) {
-  const Version *current = model.tree().current();
-  putProperty("current_version", current == nullptr ? model.tree().root()->number() : current->number());
-  // So that the number of what was destroyed is never given to something else.
-  putProperty("next_version", model.tree().nextNumber());
-  putProperty("next_entity", model.nextNumber());
+  for (const Property &property : propertiesOf(model)) {
+    if (!isSaved(property.key, property.value)) {
+      Statement row = m_database.prepare("INSERT OR REPLACE INTO property VALUES (?, ?)");
+      row.bindText(1, property.key).bind(2, property.value).run();
+    }
+  }
 }
 
 void ProjectWriter::writeAll(const Model &model) {
@@ -156,6 +174,17 @@ void ProjectWriter::removeEntities(const Model &model) {
     entity.bind(1, number).run();
     values.bind(1, kProjectLevel).bind(2, number).run();
   }
+}
+
+bool ProjectWriter::hasChanges(const Model &model) {
+  const auto &destroyed = model.tree().destroyed();
+  const auto properties = propertiesOf(model);
+  return !model.unsavedEntities().empty() || !model.unsavedSlots().empty() ||
+         !model.deletedEntities().empty() || !model.tree().unsaved().empty() ||
+         std::any_of(destroyed.begin(), destroyed.end(),
+                     [](const DestroyedVersion &version) { return version.isInFile; }) ||
+         !std::all_of(properties.begin(), properties.end(),
+                      [this](const Property &property) { return isSaved(property.key, property.value); });
 }
 
 void ProjectWriter::writeChanges(const Model &model) {

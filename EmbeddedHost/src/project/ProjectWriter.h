@@ -15,6 +15,8 @@ public:
 
   /// Everything, into empty tables.
   void writeAll(const Model &model);
+  /// Whether anything has changed since the last save.
+  bool hasChanges(const Model &model);
   /// What has changed since the last save.
   void writeChanges(const Model &model);
   void putRun(std::int64_t version, const RunRecord &record);
@@ -27,7 +29,7 @@ private:
   void putEntity(const ModelEntity &entity);
   void putVersion(const Version &version);
   void putProperties(const Model &model);
-  void putProperty(const char *key, std::int64_t value);
+  bool isSaved(const char *key, std::int64_t value);
   void removeVersions(const Model &model);
   void removeEntities(const Model &model);
 
