@@ -37,8 +37,9 @@ public:
   static UnitSystem &process();
 
   /// Reads a unit. Spellings that engineers write and the database does not have ("kWh", "Nm", "rev/min",
-  /// "deg") are understood; a product after a division, as in "W/m2K", is refused as ambiguous, currencies
-  /// and decibels are refused because they are no units. Blanks around the text are ignored; "" is refused.
+  /// "deg") are understood; what it would read as something else ("W/m2K", "W/mK", "mph") is refused as
+  /// ambiguous with the readings that work; currencies and decibels are refused because they are no units.
+  /// docs/units.md lists them all. Blanks around the text are ignored; "" is refused.
   virtual UnitResult parse(std::string_view text) = 0;
   /// Whether values can be converted between the two.
   virtual bool areConvertible(const Unit &from, const Unit &to) = 0;

@@ -70,8 +70,9 @@ TEST(ModelSchemaTest, BadUnits_AreRefused) {
   real.standardUnit = "s";
   EXPECT_EQ(problemOf(real), "The member \"X\" cannot be displayed in mm: that does not convert to s.");
   real.standardUnit = "W/m2K";
-  EXPECT_EQ(problemOf(real),
-            "The member \"X\": The unit \"W/m2K\" is ambiguous: use brackets, for example W/(m2.K).");
+  EXPECT_EQ(
+      problemOf(real),
+      "The member \"X\": The unit \"W/m2K\" is ambiguous: W/(m2.K) or W.K/m2; write the one that is meant.");
   MemberType integer = member("N", MemberKind::Integer);
   integer.standardUnit = "m";
   EXPECT_EQ(problemOf(integer), "The member \"N\" has a unit but is no real number.");

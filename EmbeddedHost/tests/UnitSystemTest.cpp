@@ -30,6 +30,7 @@ TEST(UnitSystemTest, Convert_KnownUnits) {
   } rows[] = {
       {100.0, "mm", "m", 0.1},
       {25.0, "degC", "K", 298.15},
+      {0.0, "degC", "K", 273.15},
       {273.15, "K", "degC", 0.0},
       {1.0, "kW.h", "J", 3.6e6},
       {3.6, "km/h", "m/s", 1.0},
@@ -49,19 +50,40 @@ TEST(UnitSystemTest, Parse_SpellingsOfEngineers_MeanWhatTheyMean) {
     double inMeant;
   } rows[] = {
       {"kWh", "J", 3.6e6},
-      {"Nm", "N.m", 1.0},
+      {"Wh", "J", 3600.0},
+      {"Nm", "J", 1.0},
       {"Ah", "C", 3600.0},
-      {"rev/min", "rpm", 1.0},
-      {"RPM", "rpm", 1.0},
-      {"deg", "degree", 1.0},
-      {"deg/s", "degree/s", 1.0},
-      {"kOhm", "ohm", 1000.0},
-      {"\u03a9", "ohm", 1.0},
+      {"kvar", "W", 1000.0},
+      {"rev/min", "rad/s", 0.10471975511965977},
+      {"RPM", "rad/s", 0.10471975511965977},
+      {"U/min", "rad/s", 0.10471975511965977},
+      {"deg", "rad", 0.017453292519943295},
+      {"deg/s", "rad/s", 0.017453292519943295},
+      {"kOhm", "V/A", 1000.0},
+      {"\u03a9", "V/A", 1.0},
       {"m\u00b2", "m2", 1.0},
       {"W/(m\u00b2\u00b7K)", "W/(m2.K)", 1.0},
       {"s\u207b\u00b9", "Hz", 1.0},
       {"1/kWh", "1/J", 1.0 / 3.6e6},
       {"kWh/m2", "J/m2", 3.6e6},
+      {"kWh.m-2", "J/m2", 3.6e6},
+      {"g.kWh-1", "kg/J", 0.001 / 3.6e6},
+      {"Nm/rad", "J/rad", 1.0},
+      {"mm/rev", "m/rad", 0.00015915494309189535},
+      {"m2K/W", "m2.K/W", 1.0},
+      {"W/(m2K)", "W/(m2.K)", 1.0},
+      {"kgm2", "kg.m2", 1.0},
+      {"kg m2", "kg.m2", 1.0},
+      {"kg m^2", "kg.m2", 1.0},
+      {"sq in", "m2", 6.4516e-4},
+      {"psi/sq in", "Pa/m2", 6894.757293168361 / 6.4516e-4},
+      {"mmH2O", "Pa", 9.80665},
+      {"10-3 m", "m", 0.001},
+      {"2*3 m", "m", 6.0},
+      {"1000rpm", "rad/s", 104.71975511965977},
+      {"-", "1", 1.0},
+      {"[-]", "1", 1.0},
+      {"[mm]", "m", 0.001},
       {" mm ", "m", 0.001},
   };
   for (const auto &row : rows) {
@@ -74,13 +96,45 @@ TEST(UnitSystemTest, Parse_ProductAfterDivision_IsRefusedAsAmbiguous) {
     const char *text;
     const char *problem;
   } rows[] = {
-      {"W/m2K", "The unit \"W/m2K\" is ambiguous: use brackets, for example W/(m2.K)."},
-      {"W/m2.K", "The unit \"W/m2.K\" is ambiguous: use brackets, for example W/(m2.K)."},
-      {"J/kg K", "The unit \"J/kg K\" is ambiguous: use brackets, for example J/(kg.K)."},
-      {"J/kg*K", "The unit \"J/kg*K\" is ambiguous: use brackets, for example J/(kg.K)."},
-      {"J/kg-K", "The unit \"J/kg-K\" is ambiguous: use brackets, for example J/(kg.K)."},
-      {"W/m\u00b2K", "The unit \"W/m\u00b2K\" is ambiguous: use brackets, for example W/(m2.K)."},
-      {"W/m/s.K", "The unit \"W/m/s.K\" is ambiguous: use brackets."},
+      {"W/m2K", "The unit \"W/m2K\" is ambiguous: W/(m2.K) or W.K/m2; write the one that is meant."},
+      {"J/kg K", "The unit \"J/kg K\" is ambiguous: J/(kg.K) or J.K/kg; write the one that is meant."},
+      {"J/kg*K", "The unit \"J/kg*K\" is ambiguous: J/(kg.K) or J.K/kg; write the one that is meant."},
+      {"J/kgK", "The unit \"J/kgK\" is ambiguous: J/(kg.K) or J.K/kg; write the one that is meant."},
+      {"W/m\u00b2K",
+       "The unit \"W/m\u00b2K\" is ambiguous: W/(m2.K) or W.K/m2; write the one that is meant."},
+      {"W/m/s.K", "The unit \"W/m/s.K\" is ambiguous: W/(m.s.K) or W.K/(m.s); write the one that is meant."},
+      {"1/(W/m2K)",
+       "The unit \"1/(W/m2K)\" is ambiguous: 1/(W/(m2.K)) or 1/(W.K/m2); write the one that is meant."},
+      {"1/2 m", "The unit \"1/2 m\" is ambiguous: 1/(2.m) or m/2; write the one that is meant."},
+  };
+  for (const auto &row : rows) {
+    const UnitResult result = UnitSystem::process().parse(row.text);
+    EXPECT_EQ(result.unit, nullptr) << row.text;
+    EXPECT_EQ(result.problem, row.problem);
+  }
+}
+
+TEST(UnitSystemTest, Parse_OtherReading_IsRefusedWithBoth) {
+  const struct {
+    const char *text;
+    const char *problem;
+  } rows[] = {
+      {"mph", "The unit \"mph\" is ambiguous: mile/h or milliphot; write the one that is meant."},
+      {"PS", "The unit \"PS\" is ambiguous: metric_horsepower or petasiemens; write the one that is meant."},
+      {"W/mK", "The unit \"W/mK\" is ambiguous: W/(m.K) or W/millikelvin; write the one that is meant."},
+      {"W/(mK)",
+       "The unit \"W/(mK)\" is ambiguous: W/(m.K) or W/(millikelvin); write the one that is meant."},
+      {"degree C",
+       "The unit \"degree C\" is ambiguous: degC or degree.coulomb; write the one that is meant."},
+      {"W/deg C",
+       "The unit \"W/deg C\" is ambiguous: W/degC or W/(degree.coulomb); write the one that is meant."},
+      {"W/m2 deg C",
+       "The unit \"W/m2 deg C\" is ambiguous: W/(m2.degC) or W.degC/m2; write the one that is meant."},
+      {"\"", "The unit \"\"\" is ambiguous: inch or arcsec; write the one that is meant."},
+      {"kWh/a", "The unit \"kWh/a\" is ambiguous: kWh/year or kWh/are; write the one that is meant."},
+      {"ft-lb", "The unit \"ft-lb\" is ambiguous: ft.lbf or foot.pound; write the one that is meant."},
+      {"Nm2", "The unit \"Nm2\" is ambiguous: (N.m)2 or N.m2; write the one that is meant."},
+      {"K (kelvin)", "The unit \"K (kelvin)\" is ambiguous: K or K.(kelvin); write the one that is meant."},
   };
   for (const auto &row : rows) {
     const UnitResult result = UnitSystem::process().parse(row.text);
@@ -90,8 +144,8 @@ TEST(UnitSystemTest, Parse_ProductAfterDivision_IsRefusedAsAmbiguous) {
 }
 
 TEST(UnitSystemTest, Parse_ClearDivisions_AreAccepted) {
-  for (const char *text :
-       {"W/m2", "W/(m2.K)", "J/kg/K", "m3/h", "W.m-2.K-1", "1/s", "m / s", "kg/m^3", "m.s-2"}) {
+  for (const char *text : {"W/m2", "W/(m2.K)", "J/kg/K", "m3/h", "W.m-2.K-1", "1/s", "m / s", "kg/m^3",
+                           "m.s-2", "mN/m", "C", "F", "F/m", "mK", "K @ 273.15", "lg(re 1 mW)"}) {
     EXPECT_EQ(UnitSystem::process().parse(text).problem, "") << text;
   }
 }
@@ -102,6 +156,7 @@ TEST(UnitSystemTest, Parse_NoUnit_IsRefusedWithTheReason) {
     const char *problem;
   } rows[] = {
       {"", "The unit is empty."},
+      {"\u00a0", "The unit is empty."},
       {"EUR", "The unit \"EUR\" is refused: a currency is no unit of measurement; declare a plain number and "
               "name the "
               "currency in its label."},
@@ -109,15 +164,47 @@ TEST(UnitSystemTest, Parse_NoUnit_IsRefusedWithTheReason) {
        "The unit \"EUR/kg\" is refused: a currency is no unit of measurement; declare a plain number and "
        "name the currency in its label."},
       {"dB", "The unit \"dB\" is refused: decibels are a logarithmic ratio; declare a plain number and name "
-             "them in "
-             "its label."},
-      {"delta_degC", "The unit \"delta_degC\" is refused: write K for a difference of temperatures."},
+             "them in its label."},
+      {"barg",
+       "The unit \"barg\" is refused: it counts from the pressure of the surroundings; name that in the "
+       "label; write bar."},
+      {"delta_degC", "The unit \"delta_degC\" is refused: a difference of temperatures has a unit without an "
+                     "offset; write K."},
+      {"W/delta_degC",
+       "The unit \"W/delta_degC\" is refused: a difference of temperatures has a unit without an "
+       "offset; write W/K."},
+      {"m^0.5", "The unit \"m^0.5\" is refused: powers are whole numbers; declare the square of the value."},
+      {"m2.5", "The unit \"m2.5\" is refused: powers are whole numbers; declare the square of the value."},
+      {"s^1/2", "The unit \"s^1/2\" is refused: powers are whole numbers; declare the square of the value."},
       {"blah", "The unit \"blah\" is unknown; products are written as in N.m, powers as in m2."},
   };
   for (const auto &row : rows) {
     const UnitResult result = UnitSystem::process().parse(row.text);
     EXPECT_EQ(result.unit, nullptr) << row.text;
     EXPECT_EQ(result.problem, row.problem);
+  }
+}
+
+TEST(UnitSystemTest, Parse_LongText_IsRefusedAtOnce) {
+  const std::string text(100000, '(');
+  EXPECT_EQ(UnitSystem::process().parse(text).problem,
+            "The unit \"" + text.substr(0, 40) + "\" is too long or holds a zero byte.");
+}
+
+TEST(UnitSystemTest, Parse_ZeroByte_IsRefused) {
+  const std::string text("mm\0K", 4);
+  EXPECT_EQ(UnitSystem::process().parse(text).problem,
+            "The unit \"" + text + "\" is too long or holds a zero byte.");
+}
+
+TEST(UnitSystemTest, Parse_AnyFewSigns_GivesAUnitOrAProblem) {
+  const std::string signs = "mK2 /.()^-+";
+  const std::size_t count = signs.size();
+  for (std::size_t number = 0; number < count * count * count * count; ++number) {
+    const std::string text = {signs[number % count], signs[number / count % count],
+                              signs[number / count / count % count], signs[number / count / count / count]};
+    const UnitResult result = UnitSystem::process().parse(text);
+    EXPECT_EQ(result.unit == nullptr, !result.problem.empty()) << text;
   }
 }
 

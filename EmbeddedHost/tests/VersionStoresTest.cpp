@@ -1,7 +1,7 @@
 #include "EmbeddedHost/src/project/VersionStores.h"
 
 #include "EmbeddedHost/src/project/FolderName.h"
-#include "EmbeddedHost/tests/ModelFixture.h"
+#include "EmbeddedHost/tests/StoreFixture.h"
 #include "HostModel/ProjectStore.h"
 
 #include <filesystem>
@@ -12,39 +12,10 @@ namespace EmbeddedHost {
 namespace {
 
 namespace fs = std::filesystem;
-using EntityModel::ModelVersion;
 using FileSystem::Directory;
 using ProjectData::ProjectStore;
 
-class VersionStoresTest : public ModelTest {
-protected:
-  TestFolder folder;
-  std::string file = folder.path("fan.optstudy");
-  std::string results = folder.path("fan.results");
-  ModelVersion *base = project->rootVersion();
-  ModelVersion *copy = follow(base, "Copy");
-
-  VersionStoresTest() {
-    std::string problem;
-    if (!project->saveAs(file, problem)) {
-      throw std::runtime_error(problem);
-    }
-  }
-
-  std::string folderOf(ModelVersion *version) { return tree.getVersionFolder(version, false); }
-  std::string fill(ModelVersion *version, const std::string &content) {
-    std::string path = tree.getVersionFolder(version, true);
-    fs::create_directories(path + "/inner");
-    writeFile(path + "/result.txt", content);
-    writeFile(path + "/inner/deep.txt", "deep " + content);
-    return path;
-  }
-  bool copyResults(ModelVersion *from, ModelVersion *to, bool overwrite = true) {
-    ProjectStore target(file, folderOf(to));
-    return ProjectStore(file, folderOf(from)).copyResults(target, false, nullptr, overwrite);
-  }
-  std::string resultOf(ModelVersion *version) { return contentOf(folderOf(version) + "/result.txt"); }
-};
+class VersionStoresTest : public StoreTest {};
 
 TEST_F(VersionStoresTest, Folder_IsNamedByAnIdentifierThatNeverChanges) {
   const std::string before = folderOf(copy);
@@ -55,31 +26,6 @@ TEST_F(VersionStoresTest, Folder_IsNamedByAnIdentifierThatNeverChanges) {
   EXPECT_TRUE(fs::is_directory(before));
   EXPECT_EQ(tree.getVersionFolder(nullptr, true), "");
   EXPECT_NE(folderOf(base), before);
-}
-
-TEST_F(VersionStoresTest, HostileLabels_AreOnlyLabels) {
-  writeFile(folder.path("canary"), "alive");
-  const std::string before = folderOf(copy);
-  std::string everyByte;
-  for (int byte = 1; byte < 256; ++byte) {
-    everyByte += static_cast<char>(byte);
-  }
-  for (const std::string &label :
-       {std::string(), std::string("."), std::string(".."), std::string("/etc"), std::string("../../canary"),
-        std::string("a\nb"), std::string(300, 'x'), std::string("fan.optstudy"), std::string("~"), everyByte,
-        std::string("nul\0byte", 8)}) {
-    copy->setLabel(label);
-    EXPECT_EQ(folderOf(copy), before);
-    fill(copy, "x");
-    EXPECT_TRUE(ProjectStore(file, folderOf(copy)).remove());
-    std::string problem;
-    EXPECT_TRUE(project->save(problem)) << problem;
-    const auto other = Project::open(file, OpenMode::ReadOnly, problem);
-    ASSERT_NE(other, nullptr) << problem;
-    EXPECT_EQ(other->versions()[1]->getLabel(), label);
-  }
-  EXPECT_EQ(contentOf(folder.path("canary")), "alive");
-  EXPECT_TRUE(fs::is_directory("/etc"));
 }
 
 TEST_F(VersionStoresTest, PathsOfAnyOtherForm_AreNotTouched) {
@@ -100,6 +46,27 @@ TEST_F(VersionStoresTest, PathsOfAnyOtherForm_AreNotTouched) {
   }
   EXPECT_TRUE(fs::exists(precious));
   EXPECT_TRUE(fs::exists(folder.path("0123456789abcdef")));
+}
+
+TEST_F(VersionStoresTest, Folder_WithAnythingElseInItsPlace_IsNone) {
+  fs::create_directory(results);
+  fs::create_directory(folder.path("outside"));
+  const std::string path = folderOf(copy);
+  for (const bool create : {false, true}) {
+    fs::create_directory_symlink(folder.path("outside"), path);
+    EXPECT_EQ(tree.getVersionFolder(copy, create), "");
+    fs::remove(path);
+    fs::create_symlink("absent", path);
+    EXPECT_EQ(tree.getVersionFolder(copy, create), "");
+    fs::remove(path);
+    writeFile(path, "file");
+    EXPECT_EQ(tree.getVersionFolder(copy, create), "");
+    fs::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(tree.getVersionFolder(copy, create), "");
+    fs::remove(path);
+    EXPECT_EQ(tree.getVersionFolder(copy, create), path);
+  }
 }
 
 TEST_F(VersionStoresTest, WithoutFileOrFolder_NothingHappens) {
@@ -134,20 +101,27 @@ TEST_F(VersionStoresTest, Remove_ALinkInPlaceOfTheFolder_RemovesTheLinkOnly) {
   fs::create_directories(folder.path("outside"));
   writeFile(folder.path("outside/file"), "keep");
   fs::create_directory(results);
-  fs::create_directory_symlink(folder.path("outside"), folderOf(copy));
-  EXPECT_TRUE(ProjectStore(file, folderOf(copy)).remove());
-  EXPECT_FALSE(fs::exists(fs::symlink_status(folderOf(copy))));
+  const std::string path = folderOf(copy);
+  fs::create_directory_symlink(folder.path("outside"), path);
+  EXPECT_TRUE(ProjectStore(file, path).remove());
+  EXPECT_FALSE(fs::exists(fs::symlink_status(path)));
   EXPECT_EQ(contentOf(folder.path("outside/file")), "keep");
 }
 
 TEST_F(VersionStoresTest, LinkInPlaceOfTheResultsFolder_IsRefused) {
-  const std::string name = fs::path(folderOf(copy)).filename().string();
+  const std::string path = folderOf(copy);
+  const std::string otherPath = folderOf(base);
+  const std::string name = fs::path(path).filename().string();
   fs::create_directories(folder.path("outside") + "/" + name);
   writeFile(folder.path("outside") + "/" + name + "/file", "keep");
   fs::create_directory_symlink(folder.path("outside"), results);
-  EXPECT_FALSE(ProjectStore(file, folderOf(copy)).remove());
+  EXPECT_FALSE(ProjectStore(file, path).remove());
+  EXPECT_EQ(lastProblem(), results + " cannot be used as a folder: Not a directory.");
   EXPECT_EQ(tree.getVersionFolder(copy, true), "");
-  EXPECT_FALSE(copyResults(copy, base));
+  EXPECT_EQ(tree.getVersionFolder(copy, false), "");
+  ProjectStore target(file, otherPath);
+  EXPECT_FALSE(ProjectStore(file, path).copyResults(target, false, nullptr, true));
+  EXPECT_EQ(lastProblem(), results + " cannot be used as a folder: Not a directory.");
   EXPECT_EQ(contentOf(folder.path("outside") + "/" + name + "/file"), "keep");
 }
 
@@ -182,6 +156,9 @@ TEST_F(VersionStoresTest, CopyResults_WithoutLeaveToOverwrite_KeepsTheTarget) {
   fill(copy, "old");
   EXPECT_FALSE(copyResults(base, copy, false));
   EXPECT_EQ(resultOf(copy), "old");
+  EXPECT_EQ(lastProblem(), "There are results in " + folderOf(copy) + " already.");
+  EXPECT_TRUE(copyResults(base, copy));
+  EXPECT_EQ(lastProblem(), "");
 }
 
 TEST_F(VersionStoresTest, CopyResults_Moving_LeavesNoSource) {
@@ -211,8 +188,9 @@ TEST_F(VersionStoresTest, CopyResults_LinkInPlaceOfTheTarget_IsReplacedNotFollow
   fill(base, "new");
   fs::create_directories(folder.path("outside"));
   writeFile(folder.path("outside/result.txt"), "keep");
+  ProjectStore target(file, folderOf(copy));
   fs::create_directory_symlink(folder.path("outside"), folderOf(copy));
-  EXPECT_TRUE(copyResults(base, copy));
+  EXPECT_TRUE(ProjectStore(file, folderOf(base)).copyResults(target, false, nullptr, true));
   EXPECT_EQ(resultOf(copy), "new");
   EXPECT_EQ(contentOf(folder.path("outside/result.txt")), "keep");
   EXPECT_TRUE(fs::is_directory(fs::symlink_status(folderOf(copy))));
@@ -222,8 +200,12 @@ TEST_F(VersionStoresTest, CopyResults_LinkInPlaceOfTheSource_IsNotFollowed) {
   fs::create_directories(folder.path("outside"));
   writeFile(folder.path("outside/result.txt"), "secret");
   fill(copy, "old");
-  fs::create_directory_symlink(folder.path("outside"), folderOf(base));
-  EXPECT_FALSE(copyResults(base, copy));
+  ProjectStore source(file, folderOf(base));
+  const std::string path = folderOf(base);
+  fs::create_directory_symlink(folder.path("outside"), path);
+  ProjectStore target(file, folderOf(copy));
+  EXPECT_FALSE(source.copyResults(target, false, nullptr, true));
+  EXPECT_EQ(lastProblem(), path + " cannot be used as a folder: Not a directory.");
   EXPECT_EQ(resultOf(copy), "old");
 }
 

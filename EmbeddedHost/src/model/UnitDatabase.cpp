@@ -1,7 +1,7 @@
 #include "EmbeddedHost/src/model/UnitDatabase.h"
 
 #include "EmbeddedHost/src/model/NumberText.h"
-#include "EmbeddedHost/src/model/UnitSpelling.h"
+#include "EmbeddedHost/src/model/UnitText.h"
 
 #include <udunits2.h>
 
@@ -104,11 +104,11 @@ UnitResult UnitDatabase::parse(std::string_view text) {
     return known->second;
   }
   UnitResult result;
-  const UnitSpelling spelling = spellUnit(name);
-  result.problem = spelling.problem;
-  if (!spelling.text.empty()) {
+  const UnitText readable = readUnitText(name);
+  result.problem = readable.problem;
+  if (!readable.text.empty()) {
     const PlainLocaleScope plainLocale;
-    ut_unit *unit = ut_parse(m_handles->system.get(), spelling.text.c_str(), UT_UTF8);
+    ut_unit *unit = ut_parse(m_handles->system.get(), readable.text.c_str(), UT_UTF8);
     if (unit == nullptr) {
       result.problem =
           "The unit \"" + name + "\" is unknown; products are written as in N.m, powers as in m2.";

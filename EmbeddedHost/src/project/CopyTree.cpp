@@ -2,11 +2,8 @@
 
 #include <array>
 #include <cerrno>
-#include <dirent.h>
-#include <fcntl.h>
 #include <linux/fs.h>
-#include <memory>
-#include <string_view>
+#include <string>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,73 +13,24 @@ namespace EmbeddedHost {
 
 namespace {
 
-/// Closes a file descriptor at the end of its scope.
-class Descriptor {
-public:
-  explicit Descriptor(int number) : m_number(number) {}
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-  ~Descriptor() {
-    if (m_number >= 0) {
-      ::close(m_number);
-    }
-  }
-  int get() const { return m_number; }
-  bool isOpen() const { return m_number >= 0; }
-  /// Closes it now; an error of a write may come to light only here.
-  bool close() {
-    const int number = m_number;
-    m_number = -1;
-    return ::close(number) == 0;
-  }
-
-private:
-  int m_number;
-};
-
-struct CloseDirectory {
-  void operator()(DIR *directory) const { closedir(directory); }
-};
-
-// Does not wait for the other end of a pipe and follows no link.
-constexpr int kReadFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-
-// The names in a folder; false when they cannot be read.
-bool readNames(const std::string &folder, std::vector<std::string> &names) {
-  const int descriptor = open(folder.c_str(), kReadFlags | O_DIRECTORY);
-  if (descriptor < 0) {
+bool isTooDeep(int depth, const Folder &folder, std::string &problem) {
+  if (depth <= kDeepestFolder) {
     return false;
   }
-  const std::unique_ptr<DIR, CloseDirectory> directory(fdopendir(descriptor));
-  if (directory == nullptr) {
-    ::close(descriptor);
-    return false;
-  }
-  errno = 0;
-  while (const dirent *entry = readdir(directory.get())) {
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") {
-      names.emplace_back(name);
-    }
-  }
-  return errno == 0;
+  problem = folder.path() + " cannot be used: It lies more than " + std::to_string(kDeepestFolder) +
+            " folders deep.";
+  return true;
 }
 
-std::string joined(const std::string &folder, const std::string &name) {
-  std::string path = folder;
-  path += '/';
-  path += name;
-  return path;
-}
-
-bool writeAll(int target, const char *bytes, std::size_t count) {
+bool writeBytes(int target, const char *bytes, std::size_t count) {
   while (count > 0) {
     const ssize_t written = write(target, bytes, count);
     if (written < 0 && errno == EINTR) {
       continue;
     }
-    // A full disk may also show as a short or empty write.
+    // A full disk may also show as an empty write.
     if (written <= 0) {
+      errno = written == 0 ? ENOSPC : errno;
       return false;
     }
     bytes += written;
@@ -117,83 +65,111 @@ bool copyContent(int source, int target) {
     if (count <= 0) {
       return count == 0;
     }
-    if (!writeAll(target, buffer.data(), static_cast<std::size_t>(count))) {
+    if (!writeBytes(target, buffer.data(), static_cast<std::size_t>(count))) {
       return false;
     }
   }
 }
 
-bool copyFile(int source, const struct stat &status, const std::string &to) {
-  const mode_t mode = (status.st_mode & 0777U) | S_IRUSR | S_IWUSR;
-  Descriptor target(open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
-  return target.isOpen() && copyContent(source, target.get()) && target.close();
+bool copyFile(const Folder &from, const Folder &to, const std::string &name, std::string &problem) {
+  const FileDescriptor source = from.openFile(name, problem);
+  struct stat status = {};
+  if (!source.isOpen()) {
+    return false;
+  }
+  if (fstat(source.get(), &status) != 0) {
+    problem = pathProblem(from.pathOf(name), "read", errno);
+    return false;
+  }
+  const unsigned mode = (status.st_mode & 0777U) | S_IRUSR | S_IWUSR;
+  FileDescriptor target = to.makeFile(name, mode, problem);
+  if (!target.isOpen()) {
+    return false;
+  }
+  // An error of a write may come to light only when the file is closed.
+  if (!copyContent(source.get(), target.get()) || !target.close()) {
+    problem = from.pathOf(name) + " cannot be copied: " + pathProblem(to.pathOf(name), "written", errno);
+    return false;
+  }
+  return true;
+}
+
+bool copyEntries(const Folder &source, const Folder &target, int depth, std::string &problem) {
+  std::vector<std::string> names;
+  if (isTooDeep(depth, source, problem) || !source.listNames(names, problem)) {
+    return false;
+  }
+  for (const std::string &name : names) {
+    const EntryKind kind = source.kindOf(name);
+    if (kind == EntryKind::Other) {
+      continue;
+    }
+    if (kind != EntryKind::Folder) {
+      // What has gone since it was listed, or cannot be looked at, fails there with its reason.
+      if (!copyFile(source, target, name, problem)) {
+        return false;
+      }
+      continue;
+    }
+    const Folder from = source.open(name);
+    const Folder to = from.isOpen() ? target.makeNew(name) : Folder();
+    if (!from.isOpen() || !to.isOpen()) {
+      problem = from.isOpen() ? to.problem() : from.problem();
+      return false;
+    }
+    if (!copyEntries(from, to, depth + 1, problem)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool syncEntries(const Folder &folder, int depth, std::string &problem) {
+  std::vector<std::string> names;
+  if (isTooDeep(depth, folder, problem) || !folder.listNames(names, problem)) {
+    return false;
+  }
+  for (const std::string &name : names) {
+    const EntryKind kind = folder.kindOf(name);
+    if (kind == EntryKind::Other) {
+      continue;
+    }
+    if (kind != EntryKind::Folder) {
+      const FileDescriptor file = folder.openFile(name, problem);
+      if (!file.isOpen()) {
+        return false;
+      }
+      if (fsync(file.get()) != 0) {
+        problem = pathProblem(folder.pathOf(name), "written to the disk", errno);
+        return false;
+      }
+      continue;
+    }
+    const Folder inner = folder.open(name);
+    if (!inner.isOpen()) {
+      problem = inner.problem();
+      return false;
+    }
+    if (!syncEntries(inner, depth + 1, problem)) {
+      return false;
+    }
+  }
+  return folder.sync(problem);
 }
 
 } // namespace
 
-bool copyTree(const std::string &from, const std::string &to) {
-  struct Folder {
-    std::string from;
-    std::string to;
-  };
-  std::vector<Folder> waiting = {{from, to}};
-  while (!waiting.empty()) {
-    const Folder folder = waiting.back();
-    waiting.pop_back();
-    std::vector<std::string> names;
-    if (mkdir(folder.to.c_str(), 0777) != 0 || !readNames(folder.from, names)) {
-      return false;
-    }
-    for (const std::string &name : names) {
-      const std::string source = joined(folder.from, name);
-      const std::string target = joined(folder.to, name);
-      struct stat status = {};
-      if (lstat(source.c_str(), &status) != 0) {
-        return false;
-      }
-      if (S_ISDIR(status.st_mode)) {
-        waiting.push_back({source, target});
-      } else if (S_ISREG(status.st_mode)) {
-        const Descriptor file(open(source.c_str(), kReadFlags));
-        if (!file.isOpen() || fstat(file.get(), &status) != 0 || !copyFile(file.get(), status, target)) {
-          return false;
-        }
-      }
-    }
+bool copyTree(const Folder &source, const Folder &target, const std::string &name, std::string &problem) {
+  const Folder made = target.makeNew(name);
+  if (!made.isOpen()) {
+    problem = made.problem();
+    return false;
   }
-  return true;
+  return copyEntries(source, made, 1, problem);
 }
 
-bool syncTree(const std::string &folder) {
-  std::vector<std::string> waiting = {folder};
-  while (!waiting.empty()) {
-    const std::string current = waiting.back();
-    waiting.pop_back();
-    std::vector<std::string> names;
-    if (!readNames(current, names)) {
-      return false;
-    }
-    for (const std::string &name : names) {
-      const std::string path = joined(current, name);
-      struct stat status = {};
-      if (lstat(path.c_str(), &status) != 0) {
-        return false;
-      }
-      if (S_ISDIR(status.st_mode)) {
-        waiting.push_back(path);
-      } else if (S_ISREG(status.st_mode)) {
-        const Descriptor file(open(path.c_str(), kReadFlags));
-        if (!file.isOpen() || fsync(file.get()) != 0) {
-          return false;
-        }
-      }
-    }
-    const Descriptor directory(open(current.c_str(), kReadFlags | O_DIRECTORY));
-    if (!directory.isOpen() || fsync(directory.get()) != 0) {
-      return false;
-    }
-  }
-  return true;
+bool syncTree(const Folder &folder, std::string &problem) {
+  return syncEntries(folder, 1, problem);
 }
 
 } // namespace EmbeddedHost

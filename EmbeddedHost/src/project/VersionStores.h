@@ -7,23 +7,31 @@
 namespace EmbeddedHost {
 
 /// The folders of versions: "<stem of the project file>.results/<folder name>" beside the project file. Only paths of
-/// exactly this form are ever touched, and never through a link.
+/// exactly this form are ever touched, and never through a link. Problems are one sentence with the path and the
+/// reason.
 
 /// The folder that holds the versions' folders of a project.
 std::string resultsFolder(const std::string &projectFile);
 /// The folder of one version.
 /// \param create  make it when it does not exist
-/// \return "" when a folder was to be made and could not be, or when something else stands in its place
+/// \return "" when a folder was to be made and could not be, or when anything but a folder stands in its place
 std::string versionFolderPath(const std::string &projectFile, const std::string &folderName, bool create);
-/// Removes a version's folder with what it holds. \return whether it is gone
+/// Removes a version's folder with what it holds. It leaves its place whole or not at all; what cannot be removed then
+/// is when the project is opened next.
+/// \return whether all of it is gone
+bool removeVersionFolder(const std::string &projectFile, const std::string &folderName, std::string &problem);
 bool removeVersionFolder(const std::string &projectFile, const std::string &folderName);
-/// Copies a folder into a place that must be free. It appears there whole or not at all. Regular files and folders are
+/// Copies a version's folder into a place that must be free. It appears there whole or not at all. Regular files and folders are
 /// copied; links, pipes and devices are left out.
-/// \param workFolder  on the same file system, for what is not finished yet
+/// \param workFolder  on the same file system, for what is not finished yet; removed at the end unless others use it
+bool copyFolder(const std::string &from, const std::string &to, const std::string &workFolder,
+                std::string &problem);
 bool copyFolder(const std::string &from, const std::string &to, const std::string &workFolder);
-/// Removes what an interrupted copy has left behind.
-void removeUnfinishedCopies(const std::string &projectFile);
-/// Writes the files of a version's folder, and the folders above, to the disk.
+/// Puts right what an interrupted copy or removal has left behind.
+bool removeUnfinishedCopies(const std::string &projectFile, std::string &problem);
+bool removeUnfinishedCopies(const std::string &projectFile);
+/// Writes the files of a version's folder, and the folders above, to the disk. Harmless without a folder.
+bool syncVersionFolder(const std::string &projectFile, const std::string &folderName, std::string &problem);
 bool syncVersionFolder(const std::string &projectFile, const std::string &folderName);
 
 /// The stores of the versions of any project, see ProjectData::ProjectStore.
@@ -32,11 +40,21 @@ public:
   ~VersionStores() override;
 
   std::string getStoreDirectoryName(const ProjectData::StoreLocation &store) override;
+  /// Harmless for a store that holds nothing.
   bool remove(const ProjectData::StoreLocation &store) override;
+  /// What the target held stays until the new content is complete, whatever happens.
   bool copyResults(const ProjectData::StoreLocation &source, const ProjectData::StoreLocation &target,
                    bool move, Tools::ToolProgress *progress, bool overwrite) override;
   /// Renames a version's folder to another name of that form in the same folder. An existing target is refused.
   bool rename(const std::string &from, const std::string &to) override;
+
+  /// Why the last operation that changes something answered false; "" when it did not.
+  const std::string &lastProblem() const { return m_lastProblem; }
+
+private:
+  bool noted(bool isDone);
+
+  std::string m_lastProblem;
 };
 
 } // namespace EmbeddedHost
