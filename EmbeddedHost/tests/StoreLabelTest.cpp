@@ -75,7 +75,7 @@ protected:
                                        "\xc0\xae\xc0\xae\xc0\xaf",
                                        "\xed\xa0\x80",
                                        "\xf4\x90\x80\x80",
-                                       "\xe2\x80\xae",
+                                       std::string({'\xe2', '\x80', '\xae'}),
                                        "\xef\xbb\xbf",
                                        "\xe2\x80\x8b",
                                        "\xf0\x9f\x92\xa5",

@@ -69,6 +69,7 @@ protected:
       project->createEntity("Part", root, "Parts", "");
     }
     std::vector<Entity *> parts;
+    parts.reserve(kParts);
     for (int index = 0; index < kParts; ++index) {
       parts.push_back(part(*project, index));
     }
