@@ -71,11 +71,13 @@ void observe(std::vector<Observation> &observations, const LanguageCase &languag
     root = parser.build();
   } catch (const Error &error) {
     observations.push_back({"element" + folding, Outcome::ofBuildError(error.what())});
+    observations.push_back({"element, with warnings" + folding, observations.back().outcome});
     observations.push_back({"expression" + folding, Outcome::ofBuildError(error.what())});
     return;
   }
   observations.push_back({"element" + folding, evaluated(*root, variables, rules)});
   observations.push_back({"element's clone" + folding, observations.back().outcome});
+  observations.push_back({"element, with warnings" + folding, observations.back().outcome});
   NodePtr typed;
   try {
     typed = parser.castTo(languageCase.target, root);

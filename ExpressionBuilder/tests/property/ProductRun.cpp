@@ -22,6 +22,7 @@ using ExpressionBuilder::ExpressionBase;
 using ExpressionBuilder::SimpleVariableCollection;
 using ExpressionBuilder::ValueType;
 using ExpressionBuilder::VariableColumn;
+using ExpressionBuilder::Warning;
 
 Value valueOf(double value) {
   return Value::ofDouble(value);
@@ -103,6 +104,20 @@ void observeElement(std::vector<Observation> &observations, const ElementAbstrac
   observations.push_back({"element's clone" + folding, evaluated(*root.cloneAbstract(), variables)});
 }
 
+// To look for warnings must change nothing.
+void observeWithWarnings(std::vector<Observation> &observations, const BuilderBase &builder,
+                         const std::string &text, const std::string &folding) {
+  Outcome outcome;
+  try {
+    std::vector<Warning> warnings;
+    const std::unique_ptr<ElementAbstract> root = builder.buildWithWarnings(text, warnings);
+    outcome = evaluated(*root, builder.variables());
+  } catch (const std::runtime_error &error) {
+    outcome = Outcome::ofBuildError(error.what());
+  }
+  observations.push_back({"element, with warnings" + folding, outcome});
+}
+
 void observeRows(std::vector<Observation> &observations, const LanguageCase &languageCase,
                  const ExpressionBase<double> &expression, const SimpleVariableCollection &variables,
                  const std::string &folding) {
@@ -181,6 +196,7 @@ void observe(std::vector<Observation> &observations, const LanguageCase &languag
   if (root) {
     observeElement(observations, *root, builder.variables(), folding);
   }
+  observeWithWarnings(observations, builder, languageCase.text, folding);
   ExpressionBuilder::visitValueType(static_cast<ValueType>(languageCase.target), [&](auto tag) {
     observeExpression<typename decltype(tag)::Type>(observations, languageCase, builder, root.get(), folding);
   });
