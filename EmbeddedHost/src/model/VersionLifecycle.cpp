@@ -71,11 +71,12 @@ ModelVersion *VersionTree::startNewAlternate(ModelVersion *version, ChangeSet *c
     markUnsaved(*origin);
   }
   std::vector<Version *> &members = origin->m_family->members;
-  // The position counts the alternates of the origin, which is not one of its own.
+  // The position counts the alternates of the origin, which is not one of its own. Past the last of them is the end
+  // of the family, also when the origin itself stands last.
   const auto ownPlace = std::find(members.begin(), members.end(), origin);
   const std::size_t others = members.size() - (ownPlace == members.end() ? 0 : 1);
-  std::size_t place = std::min(position, others);
-  if (ownPlace != members.end() && place > static_cast<std::size_t>(ownPlace - members.begin())) {
+  std::size_t place = position >= others ? members.size() : position;
+  if (position < others && position > static_cast<std::size_t>(ownPlace - members.begin())) {
     ++place;
   }
   members.insert(members.begin() + static_cast<std::ptrdiff_t>(place), &alternate);
