@@ -52,4 +52,8 @@ protected:
   virtual ~UnitSystem() = default;
 };
 
+/// What to say besides when two units do not convert: " ("C" is the coulomb; degrees Celsius are "degC")" when one of
+/// them is "C", the same for "F", otherwise "".
+std::string conversionHint(std::string_view first, std::string_view second);
+
 } // namespace EmbeddedHost

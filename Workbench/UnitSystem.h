@@ -26,6 +26,9 @@ public:
   /// A difference of two values in another unit: without the offset that temperature scales have.
   std::optional<double> convertDifference(double difference, const std::string &from,
                                           const std::string &to) const;
+
+  /// What to say besides when two units do not convert, for example that "C" is the coulomb; else "".
+  static std::string conversionHint(const std::string &first, const std::string &second);
 };
 
 /// The units that the embedded host knows.

@@ -80,6 +80,10 @@ TEST_F(ModelAttributeTest, BadTexts_AreRefusedAndChangeNothing) {
        "Width: \"1,5\" has no valid unit: The unit \",5\" is unknown; products are written as in N.m, "
        "powers as in m2."},
       {"Width", "3 s", "Width: \"3 s\" is not in a unit that can be converted to m"},
+      {"Width", "3 C",
+       "Width: \"3 C\" is not in a unit that can be converted to m (\"C\" is the coulomb; degrees Celsius "
+       "are "
+       "\"degC\")"},
       {"Width", "3 EUR",
        "Width: \"3 EUR\" has no valid unit: The unit \"EUR\" is refused: a currency is no unit of "
        "measurement; declare a plain number and name the currency in its label."},

@@ -218,6 +218,13 @@ TEST(UnitSystemTest, Convert_OtherQuantity_IsNoNumber) {
   EXPECT_TRUE(std::isnan(converted(1.0, "m", "s")));
 }
 
+TEST(UnitSystemTest, ConversionHint_LettersThatMeanSomethingElse_NameTheTemperatureScale) {
+  EXPECT_EQ(conversionHint("C", "K"), " (\"C\" is the coulomb; degrees Celsius are \"degC\")");
+  EXPECT_EQ(conversionHint("K", "C"), " (\"C\" is the coulomb; degrees Celsius are \"degC\")");
+  EXPECT_EQ(conversionHint("F", "K"), " (\"F\" is the farad; degrees Fahrenheit are \"degF\")");
+  EXPECT_EQ(conversionHint("degC", "m"), "");
+}
+
 TEST(UnitSystemTest, Convert_SameUnit_KeepsEveryBit) {
   const double value = converted(-0.0, "mm", "mm");
   EXPECT_TRUE(std::signbit(value));

@@ -43,7 +43,8 @@ std::string problemOf(const EmbeddedHost::TemplatePlaceholder &placeholder, cons
   if (attribute->kind != AttributeKind::Real || !units.convert(1.0, attribute->unit, placeholder.unit)) {
     return "\"" + placeholder.name() + "\" is declared " +
            (attribute->unit.empty() ? "without a unit" : "in \"" + attribute->unit + "\"") +
-           ", which cannot be converted to \"" + placeholder.unit + "\"";
+           ", which cannot be converted to \"" + placeholder.unit + "\"" +
+           UnitSystem::conversionHint(attribute->unit, placeholder.unit);
   }
   return "";
 }

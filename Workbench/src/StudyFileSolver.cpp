@@ -226,7 +226,8 @@ void StudyFileReader::readExtractor(const YamlReader::Entry &entry, StudyFile &f
     checkUnit(*unitNode, unit);
     if (attribute != nullptr && m_units.isUnit(unit) && !m_units.convert(1.0, unit, attribute->unit)) {
       m_yaml.report(*unitNode, "\"" + unit + "\" cannot be converted to \"" + attribute->unit +
-                                   "\", in which \"" + entry.key + "\" is declared");
+                                   "\", in which \"" + entry.key + "\" is declared" +
+                                   UnitSystem::conversionHint(unit, attribute->unit));
     }
   } else if (attribute != nullptr) {
     unit = attribute->unit;

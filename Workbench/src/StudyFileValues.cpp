@@ -67,7 +67,8 @@ std::optional<double> StudyFileReader::readReal(const YAML::Node &node, const St
     m_yaml.report(node,
                   "\"" + unit + "\" cannot be converted to " +
                       (attribute.unit.empty() ? "a number without unit" : "\"" + attribute.unit + "\"") +
-                      ", in which \"" + attribute.fullName() + "\" is declared");
+                      ", in which \"" + attribute.fullName() + "\" is declared" +
+                      UnitSystem::conversionHint(unit, attribute.unit));
     return std::nullopt;
   }
   return converted;

@@ -18,6 +18,10 @@ std::optional<double> UnitSystem::convertDifference(double difference, const std
   return one ? std::optional<double>((*one - *zero) * difference) : std::nullopt;
 }
 
+std::string UnitSystem::conversionHint(const std::string &first, const std::string &second) {
+  return EmbeddedHost::conversionHint(first, second);
+}
+
 std::string HostUnits::problemOf(const std::string &unit) const {
   return unit.empty() ? "" : EmbeddedHost::UnitSystem::process().parse(unit).problem;
 }

@@ -40,8 +40,9 @@ TEST_F(RunInputsTest, Load_GoodTemplate_HasNothingToSay) {
 }
 
 TEST_F(RunInputsTest, Load_PlaceholderThatCannotBeFilled_IsReportedWithItsPlace) {
-  m_box.write("in.txt.template",
-              "{{Box.w}}\n{{Box.sum}} {{Box.y in s}}\n {{Box.note as %g}} {{Box.y in furlongz}}");
+  m_box.write(
+      "in.txt.template",
+      "{{Box.w}}\n{{Box.sum}} {{Box.y in s}}\n {{Box.note as %g}} {{Box.y in furlongz}}{{Box.y in C}}");
   const std::string problems = load();
   EXPECT_NE(
       problems.find("in.txt.template:1:1: the model has no attribute \"Box.w\", did you mean \"Box.x\"?\n"),
@@ -56,6 +57,11 @@ TEST_F(RunInputsTest, Load_PlaceholderThatCannotBeFilled_IsReportedWithItsPlace)
       problems.find("in.txt.template:3:2: \"Box.note\" is no number and takes neither unit nor format\n"),
       std::string::npos);
   EXPECT_NE(problems.find("in.txt.template:3:21: "), std::string::npos);
+  EXPECT_NE(problems.find(
+                "in.txt.template:3:42: \"Box.y\" is declared in \"m\", which cannot be converted to \"C\" "
+                "(\"C\" is the coulomb; degrees Celsius are \"degC\")\n"),
+            std::string::npos)
+      << problems;
 }
 
 TEST_F(RunInputsTest, Load_MissingFiles_AreReportedAtTheirEntryInTheStudyFile) {

@@ -259,6 +259,10 @@ TEST(StudyFileTest, Mistakes_AreReportedWithTheirPlace) {
        "dir/s.yaml:6:17: \"200 nF\" is above the maximum of \"Filter.C1\", 100 nF\n"},
       {"minimum: 1 nF", "minimum: 1 kohm",
        "dir/s.yaml:6:33: \"kohm\" cannot be converted to \"nF\", in which \"Filter.C1\" is declared\n"},
+      {"minimum: 1 nF", "minimum: 1 C",
+       "dir/s.yaml:6:33: \"C\" cannot be converted to \"nF\", in which \"Filter.C1\" is declared (\"C\" is "
+       "the "
+       "coulomb; degrees Celsius are \"degC\")\n"},
       {"minimum: 1 nF, maximum: 100 nF", "minimum: 20 nF, maximum: 5 nF",
        "dir/s.yaml:6:17: \"10 nF\" is below the minimum of \"Filter.C1\", 20 nF\n"
        "dir/s.yaml:6:49: the maximum is below the minimum\n"},

@@ -112,7 +112,8 @@ std::string checkUnits(const MemberType &member) {
   return units.areConvertible(*display.unit, *standard.unit)
              ? std::string()
              : "The member " + quoted(member.label) + " cannot be displayed in " + member.displayUnit +
-                   ": that does not convert to " + member.standardUnit + ".";
+                   ": that does not convert to " + member.standardUnit +
+                   conversionHint(member.displayUnit, member.standardUnit) + ".";
 }
 
 std::string checkLimits(const MemberType &member) {

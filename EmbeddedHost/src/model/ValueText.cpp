@@ -46,7 +46,9 @@ Value readReal(const Slot &slot, std::string_view text) {
       refuse(slot, text, "has no valid unit: " + unit.problem);
     }
     if (!UnitSystem::process().areConvertible(*unit.unit, *standard)) {
-      refuse(slot, text, "is not in a unit that can be converted to " + standard->text());
+      refuse(slot, text,
+             "is not in a unit that can be converted to " + standard->text() +
+                 conversionHint(unitText, standard->text()));
     }
     real.unit = unit.unit;
   }
