@@ -3,6 +3,7 @@
 #include "ExpressionBuilder/BuilderSingleType.h"
 #include "ExpressionBuilder/ElementConstant.h"
 #include "ExpressionBuilder/Exceptions.h"
+#include "ExpressionBuilder/tests/TextErrors.h"
 
 #include <algorithm>
 #include <array>
@@ -23,26 +24,8 @@ namespace {
 
 const std::array<const char *, 3> kColumns = {"a", "b", "c"};
 
-const std::set<std::string> kBuildErrors = {
-    "Empty expression",
-    "Syntax error",
-    "Syntax Error",
-    "Syntax error - Unexpected left hand side",
-    "Syntax error - Right hand side invalid",
-    "Syntax error - No left hand side expected",
-    "Syntax error : unbalanced brackets",
-    "Syntax error - Condition",
-    "Syntax error - True expression",
-    "Syntax error - False expression",
-    "No right hand side of unary operator",
-    "Number out of range",
-    "Unsupported Operator",
-    "Function does not support the current argument types",
-    "Syntax Error : No Overload",
-    "Invalid number of arguments",
-};
-/// Of building, when a constant part is computed, and of evaluating.
-const std::set<std::string> kArithmeticErrors = {"Integer division by zero", "Integer overflow"};
+const std::set<std::string> kBuildErrors = textErrors();
+const std::set<std::string> kArithmeticErrors = arithmeticErrors();
 const std::set<std::string> kEvaluationErrors = {"Invalid expression", "Circular Dependency"};
 
 const std::string kUndefined = "Undefined variable : ";

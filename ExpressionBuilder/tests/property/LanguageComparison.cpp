@@ -1,5 +1,6 @@
 #include "ExpressionBuilder/tests/property/LanguageComparison.h"
 
+#include "ExpressionBuilder/tests/TextErrors.h"
 #include "ExpressionBuilder/tests/property/ExpressionGenerator.h"
 #include "ExpressionBuilder/tests/property/OracleRun.h"
 #include "ExpressionBuilder/tests/property/ProductRun.h"
@@ -107,29 +108,11 @@ double ComparisonReport::errorShare() const {
 }
 
 std::vector<std::string> ComparisonReport::missingErrorTexts() const {
-  static const std::vector<std::string> kTexts = {"Empty expression",
-                                                  "Syntax error",
-                                                  "Syntax Error",
-                                                  "Syntax error - Unexpected left hand side",
-                                                  "Syntax error - Right hand side invalid",
-                                                  "Syntax error - No left hand side expected",
-                                                  "Syntax error : unbalanced brackets",
-                                                  "Syntax error - Condition",
-                                                  "Syntax error - True expression",
-                                                  "Syntax error - False expression",
-                                                  "No right hand side of unary operator",
-                                                  kUndefined,
-                                                  "Number out of range",
-                                                  "Unsupported Operator",
-                                                  "Function does not support the current argument types",
-                                                  "Integer division by zero",
-                                                  "Integer overflow",
-                                                  "Invalid expression",
-                                                  "Missing Variable",
-                                                  "Variable is of wrong type",
-                                                  "Circular Dependency"};
+  const std::set<std::string> texts =
+      ExpressionBuilder::textErrorsAnd({kUndefined, "Invalid expression", "Missing Variable",
+                                        "Variable is of wrong type", "Circular Dependency"});
   std::vector<std::string> missing;
-  std::copy_if(kTexts.begin(), kTexts.end(), std::back_inserter(missing),
+  std::copy_if(texts.begin(), texts.end(), std::back_inserter(missing),
                [this](const std::string &text) { return errorTexts.count(text) == 0; });
   return missing;
 }

@@ -175,9 +175,9 @@ std::vector<Rule> deltaRules() {
        }},
       {"Delta_ManyEdits_AreAllFoundAndUndone",
        [](Scene &scene) {
-         std::vector<Entity *> parts;
-         for (int index = 0; index < 100; ++index) {
-           parts.push_back(scene.create("Part", scene.root(), "Parts", "P"));
+         std::vector<Entity *> parts(100);
+         for (Entity *&part : parts) {
+           part = scene.create("Part", scene.root(), "Parts", "P");
          }
          ModelVersion *next = scene.follow(scene.base(), "V");
          scene.show(next);
