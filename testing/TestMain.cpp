@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(OPTSTUDY_ADDRESS_SANITIZER)
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -25,7 +25,7 @@ bool decimalMarkIsAsExpected() {
 
 // The C library leaks its search path each time a locale is made while LOCPATH is set.
 void useLocaleOfTheEnvironment() {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(OPTSTUDY_ADDRESS_SANITIZER)
   const __lsan::ScopedDisabler unwatched;
 #endif
   std::locale::global(std::locale(""));

@@ -47,7 +47,7 @@ TEST(NodeStorageTest, NodesThatComeAndGo_NeedFewPlaces) {
   }
   // Each one is gone before the next one is made, so the place is used again; the sanitizers' allocator keeps
   // places back for a while.
-#ifndef __SANITIZE_ADDRESS__
+#ifndef OPTSTUDY_ADDRESS_SANITIZER
   EXPECT_LT(places.size(), 10U);
 #else
   EXPECT_LE(places.size(), kNodes);
