@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace EmbeddedHost {
@@ -83,12 +84,17 @@ public:
 
 private:
   void add(const std::vector<MemberType> &members, const std::string &prefix, std::size_t parent);
+  void enterPlaces();
+  /// Where the path is, or the free place where it would be.
+  std::size_t placeOf(const EntityModel::AttributePath &path) const;
 
   std::string m_label;
   EntityModel::TypeRef m_reference;
   bool m_isStudyStorage;
   std::vector<Member> m_members;
-  std::unordered_map<EntityModel::AttributePath, std::size_t> m_positions;
+  // Places of open addressing, a power of two of them: every look-up of an attribute begins here. A free place has the
+  // empty path.
+  std::vector<std::pair<EntityModel::AttributePath, std::size_t>> m_places;
 };
 
 /// The types of a model. The types that hold studies are always there; an engineer's own types are declared

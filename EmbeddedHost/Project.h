@@ -37,7 +37,9 @@ class Project final : public HostModel::Host {
 public:
   /// A new project that has no file yet.
   static std::unique_ptr<Project> create(const ModelSchema &schema, const HostBehaviour &behaviour = {});
-  /// Opens a project file. Nothing is announced and nothing of the process is changed; see Commands.
+  /// Opens a project file. Nothing is announced and nothing of the process is changed; see Commands. A file of an older
+  /// format is brought to the present one, the file as it was stays beside it as "<file>.format-<number>"; when it is
+  /// opened for reading only it is not touched.
   /// \return null with one sentence in \p problem when the file is missing, foreign, damaged, made by a newer
   ///         program, or held by another process that writes it; it is then exactly as it was
   static std::unique_ptr<Project> open(const std::string &file, OpenMode mode, std::string &problem,
@@ -99,19 +101,35 @@ public:
   /// Saves into a new file, which the project then lives in; its results folders are copied along. Refuses a
   /// file that exists.
   bool saveAs(const std::string &file, std::string &problem);
+  /// Copies the project as it is saved, with its results folders, into a new file; the project stays where it is.
+  /// Solvers may run, and when it is open for reading only another process may write it meanwhile: the copy is that of
+  /// one moment, and holds of a run that is not finished neither results nor files. Refuses a file that exists.
+  /// \return false with one sentence in \p problem; there is no copy then
+  bool backup(const std::string &file, std::string &problem);
   /// @}
 
   /// \name Solver runs
   /// @{
 
-  /// The record of the last run of a version; status None when it never ran.
+  /// The record of the last run of a version; status None when it never ran. A run that an earlier program began and
+  /// never recorded is Failed with the reason kLostRun. In a project that was opened for reading only it is Running,
+  /// because another program may be at it.
   RunRecord runRecord(const EntityModel::ModelVersion &version) const;
+  /// Stores, in one durable transaction of its own, that a run of a version begins: a record with the status Running,
+  /// and the results without values, so that nobody takes former ones for those of this run. It holds no other unsaved
+  /// edit and waits for no result file to be written to the disk. In a project without a file only the model changes.
+  /// \param record   its status, reason and exit code are not looked at
+  /// \param results  their values are not looked at
+  /// \return false with one sentence in \p problem, as recordRun(); nothing has changed then, and nothing is to be
+  ///         started
+  bool beginRun(EntityModel::ModelVersion &version, const RunRecord &record,
+                const std::vector<ResultValue> &results, std::string &problem);
   /// Stores a version's run record and its results in one durable transaction of their own, which holds no
-  /// other unsaved edit. The results also become values of that version in the model. In a project without a
-  /// file only the model changes.
-  /// \return false with one sentence in \p problem, for example when the version
-  /// or a result's entity was never
-  ///         saved; nothing has changed then
+  /// other unsaved edit. The results also become values of that version in the model. The files of the version are on
+  /// the disk before. In a project without a file only the model changes.
+  /// \return false with one sentence in \p problem, for example when the version or a result's entity was never
+  ///         saved, or when another program keeps the file locked for a minute; nothing has changed then, the results
+  ///         are not in the model either, and a run that was begun stays Running in the file
   bool recordRun(EntityModel::ModelVersion &version, const RunRecord &record,
                  const std::vector<ResultValue> &results, std::string &problem);
   /// The folder of a version's files beside the project's file, named by an identifier that never changes.

@@ -13,6 +13,13 @@ class Entity;
 
 namespace EmbeddedHost {
 
+/// The reason of a run that was begun and of whose end nothing is known.
+constexpr const char *kLostRun = "lost: the program ended while it ran";
+
+/// The folder in a version's folder that a run is prepared and carried out in until it is finished. It is no part of the
+/// results and not copied with a project.
+constexpr const char *kUnfinishedRunFolder = "run.new";
+
 /// What became of the last solver run of a version.
 enum class RunStatus { None, Running, Ok, Failed };
 

@@ -5,12 +5,14 @@
 #include "Workbench/StudySession.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace Workbench {
 
 class UnitSystem;
+class VersionRun;
 
 /// What a solve tells whoever shows it, and asks of them.
 class SolveObserver {
@@ -39,8 +41,9 @@ struct SolveReport {
 };
 
 /// Solves the rows of a session that are not solved, or not for what they are now: each version in an empty folder of
-/// its own, several at a time. Every finished row is recorded durably at once. The baseline is current again
-/// afterwards, and rows still have to be updated from their versions.
+/// its own, several at a time. That a row is begun, and how it ended, is recorded durably at once, and nothing starts
+/// that was not; once something cannot be recorded no further row is begun, but what runs is finished. The baseline is
+/// current again afterwards, and rows still have to be updated from their versions.
 class SolveRunner {
 public:
   /// \param program  the solver's program file
@@ -55,13 +58,18 @@ public:
   SolveReport solve(std::size_t parallel, SolveObserver &observer);
 
 private:
+  using Runs = std::vector<std::unique_ptr<VersionRun>>;
   struct Rendered {
     std::vector<RunFile> files;
     RunKeys keys;
   };
 
   std::string render(std::size_t row, Rendered &rendered);
-  std::string unsetResults(EntityModel::ModelVersion &version);
+  void stopRow(std::size_t row, const std::string &reason, SolveObserver &observer, SolveReport &report);
+  std::unique_ptr<VersionRun> begin(std::size_t row, SolveObserver &observer, SolveReport &report);
+  void record(const VersionRun &run, SolveObserver &observer, SolveReport &report);
+  void pollAll(Runs &running, SolveObserver &observer, SolveReport &report);
+  void cancelAll(const Runs &running, SolveObserver &observer, SolveReport &report);
   void solveRows(const std::vector<std::size_t> &rows, std::size_t parallel, SolveObserver &observer,
                  SolveReport &report);
 

@@ -16,6 +16,8 @@ struct Faults {
   int error = 0;
   unsigned refusedFlags = 0;
   int endAt = 0;
+  int pauseAt = 0;
+  int pipe = -1;
   int folderError = 0;
   int count = 0;
 };
@@ -34,6 +36,11 @@ int renameFault(unsigned flags) {
   ++now.count;
   if (now.count == now.endAt) {
     _exit(FaultyRenames::kEnded);
+  }
+  if (now.count == now.pauseAt && write(now.pipe, "p", 1) == 1) {
+    for (;;) {
+      pause();
+    }
   }
   if ((flags & now.refusedFlags) != 0) {
     return EINVAL;
@@ -67,6 +74,11 @@ void FaultyRenames::refuseFlags() {
 
 void FaultyRenames::endAt(int ordinal) {
   faults().endAt = ordinal;
+}
+
+void FaultyRenames::pauseAt(int ordinal, int pipe) {
+  faults().pauseAt = ordinal;
+  faults().pipe = pipe;
 }
 
 void FaultyRenames::failMakingFolders(int error) {

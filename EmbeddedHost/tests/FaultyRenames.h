@@ -21,6 +21,8 @@ public:
   void refuseFlags();
   /// The process ends at that call without executing it, with the exit code kEnded.
   void endAt(int ordinal);
+  /// The process stops at that call until it is killed, after writing one byte into the pipe.
+  void pauseAt(int ordinal, int pipe);
   /// Making a folder fails with that error.
   void failMakingFolders(int error);
   /// Renaming calls so far, those included that failed.

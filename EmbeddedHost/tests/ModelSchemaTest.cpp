@@ -51,6 +51,24 @@ TEST(ModelSchemaTest, DeclaredMembersOfComposites_HavePathsBelowTheirComposite) 
   EXPECT_EQ(type->findMember(EntityModel::AttributePath("Height")), nullptr);
 }
 
+TEST(ModelSchemaTest, ManyMembers_AreAllFoundByTheirPath) {
+  std::vector<MemberType> members;
+  for (int index = 0; index < 300; ++index) {
+    members.push_back(member("M" + std::to_string(index), MemberKind::Real));
+  }
+  ModelSchema schema;
+  ASSERT_EQ(schema.declareType("Box", members), "");
+
+  const auto type = schema.findType("Box");
+  for (int index = 0; index < 300; ++index) {
+    const Member *found = type->findMember(EntityModel::AttributePath("M" + std::to_string(index)));
+    ASSERT_NE(found, nullptr) << index;
+    EXPECT_EQ(found->index, static_cast<std::size_t>(index));
+  }
+  EXPECT_EQ(type->findMember(EntityModel::AttributePath("M300")), nullptr);
+  EXPECT_EQ(type->findMember(EntityModel::AttributePath()), nullptr);
+}
+
 TEST(ModelSchemaTest, BadLabels_AreRefused) {
   ModelSchema schema;
   EXPECT_EQ(schema.declareType("", {}), "A label is empty.");

@@ -1,4 +1,5 @@
 #include "EmbeddedHost/src/project/Database.h"
+#include "EmbeddedHost/src/project/ProjectParts.h"
 #include "EmbeddedHost/tests/ModelFixture.h"
 
 #include <cstdint>
@@ -78,8 +79,8 @@ TEST_F(ProjectFileTest, NewerFormat_IsRefusedNamingIt) {
   setNumber(content, 60, 7);
   EXPECT_EQ(problemOfFile(content),
             "The file " + folder.path("tested") +
-                " was written by a newer version of this program: its format is 7, known "
-                "here is 1.");
+                " was made by a newer program: it needs optstudy 0.1 or later (format 7; this "
+                "program knows format 2).");
 }
 
 TEST_F(ProjectFileTest, HeaderOfAnotherJournal_IsRefusedWithoutMakingOne) {
@@ -274,8 +275,9 @@ TEST_F(ProjectFileTest, FailedSave_LeavesTheFileAndTheProjectAsTheyWere) {
     // Another program that does not know the lock holds the database for as long as this lives.
     Database busy(file, Database::Access::ReadWrite);
     busy.execute("BEGIN EXCLUSIVE");
+    project->parts().file->database().setLongestWaitToWrite(std::chrono::milliseconds(100));
     EXPECT_FALSE(project->save(problem));
-    EXPECT_EQ(problem, "The project " + file + " could not be saved: database is locked.");
+    EXPECT_EQ(problem, "The project " + file + " could not be saved: another program keeps it locked.");
     EXPECT_TRUE(project->needsSave());
     busy.execute("ROLLBACK");
   }

@@ -53,6 +53,18 @@ protected:
   }
 };
 
+TEST_F(ProjectOpeningTest, UnitThatFitsOneValueAndNotAnother_IsDamage) {
+  set(partA, "Width", "7 mm");
+  set(partB, "Mass", "3 kg");
+  makeFile();
+  closeProject();
+  alter("UPDATE value SET extra = (SELECT number FROM text WHERE text = 'mm') "
+        "WHERE path = (SELECT number FROM text WHERE text = 'Mass')");
+  EXPECT_EQ(problemOfOpening(OpenMode::ReadOnly),
+            "The project " + file +
+                " is damaged: it holds a value in a unit of another quantity (version 1, entity 3).");
+}
+
 TEST_F(ProjectOpeningTest, WhileAnotherProcessSaves_OneSaveIsReadAndNoMixture) {
   set(partA, "Count", "0");
   set(partB, "Count", "0");

@@ -207,5 +207,12 @@ TEST(PackedTextsTest, Texts_ComeBackAndDamageGivesNone) {
   }
 }
 
+TEST_F(ProjectRunsTest, EntityThatWasRenamedSinceTheLastSave_TakesResults) {
+  saveAs();
+  ASSERT_TRUE(project->renameEntity(partA, "Renamed"));
+  EXPECT_EQ(store({{partA, mass, 4.5}}), "");
+  EXPECT_EQ(massIn(*reopened(), "Row", 0), "4.5 kg");
+}
+
 } // namespace
 } // namespace EmbeddedHost

@@ -1,7 +1,10 @@
 #include "EmbeddedHost/src/project/ProjectFile.h"
+#include "EmbeddedHost/tests/FaultyRenames.h"
 #include "EmbeddedHost/tests/ProjectFixture.h"
 
+#include <cerrno>
 #include <filesystem>
+#include <set>
 
 namespace EmbeddedHost {
 namespace {
@@ -23,6 +26,43 @@ TEST_F(SaveAsTest, SaveAs_RefusesExistingFilesAndSharedResults) {
   EXPECT_FALSE(project->saveAs(folder.path("no/such/folder.optstudy"), problem));
   EXPECT_EQ(project->file(), file);
   EXPECT_FALSE(std::filesystem::exists(folder.path("fan.other")));
+}
+
+TEST_F(SaveAsTest, NameWhoseResultsWouldBeThoseOfASibling_IsRefused) {
+  saveAs();
+  const auto other = Project::create(testSchema());
+  std::string problem;
+  const std::string refusal =
+      "Two projects cannot share the results folder " + folder.path("fan.results") + "; choose another name.";
+  for (const char *name : {"fan.other", "fan"}) {
+    EXPECT_FALSE(other->saveAs(folder.path(name), problem));
+    EXPECT_EQ(problem, refusal);
+    EXPECT_FALSE(std::filesystem::exists(folder.path(name)));
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder.path("fan.results.lock")));
+  // Only projects count, and only those with the very same folder.
+  EXPECT_TRUE(other->saveAs(folder.path("fan.other.optstudy"), problem)) << problem;
+  writeFile(folder.path("notes.txt"), "SQLite format 3");
+  EXPECT_TRUE(other->saveAs(folder.path("notes.optstudy"), problem)) << problem;
+}
+
+TEST_F(SaveAsTest, FailureAfterTheResultsGotTheirPlace_TakesThemBackAndNothingElse) {
+  saveAs();
+  writeFile(project->versionFolder(*base, true) + "/result.txt", "42");
+  FaultyRenames faults;
+  faults.fail({2}, EIO);
+  std::string problem;
+  EXPECT_FALSE(project->saveAs(folder.path("next.optstudy"), problem));
+  EXPECT_NE(problem.find("cannot be renamed to " + folder.path("next.optstudy") + ": Input/output error."),
+            std::string::npos)
+      << problem;
+  EXPECT_EQ(project->file(), file);
+  std::set<std::string> left;
+  for (const auto &entry : std::filesystem::directory_iterator(folder.path())) {
+    left.insert(entry.path().filename().string());
+  }
+  EXPECT_EQ(left, (std::set<std::string>{"fan.optstudy", "fan.optstudy.lock", "fan.results"}));
+  EXPECT_EQ(contentOf(project->versionFolder(*base, false) + "/result.txt"), "42");
 }
 
 TEST_F(SaveAsTest, SaveAs_MovesOnWithACopyOfEverything) {
@@ -55,10 +95,6 @@ TEST_F(SaveAsTest, SaveAs_FromAFolderThatIsGone_IsRefused) {
   std::string problem;
   EXPECT_FALSE(project->saveAs("fan.optstudy", problem));
   EXPECT_EQ(problem, "The folder of fan.optstudy cannot be used: No such file or directory.");
-  EXPECT_EQ(ProjectFile::create(
-                "fan.optstudy", [](Database &, TextTable &) {}, problem),
-            nullptr);
-  EXPECT_EQ(problem, "The project fan.optstudy cannot be made: No such file or directory.");
   EXPECT_EQ(Project::open("fan.optstudy", OpenMode::ReadWrite, problem), nullptr);
   EXPECT_EQ(problem, "The project fan.optstudy cannot be opened: No such file or directory.");
   std::filesystem::current_path(before);
@@ -74,8 +110,8 @@ TEST_F(SaveAsTest, SaveAs_NameThatIsTooLong_IsRefusedWithTheReason) {
 TEST_F(SaveAsTest, NewFileThatCannotBeOpened_DoesNotStay) {
   std::string problem;
   const auto created = ProjectFile::create(
-      file, [this](Database &, TextTable &) { std::filesystem::create_directory(file + "-journal"); },
-      problem);
+      NewProject::claim(file, problem),
+      [this](Database &, TextTable &) { std::filesystem::create_directory(file + "-journal"); }, problem);
   EXPECT_EQ(created, nullptr);
   EXPECT_NE(problem, "");
   std::filesystem::remove(file + "-journal");

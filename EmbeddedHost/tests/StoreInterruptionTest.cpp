@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 class StoreInterruptionTest : public StoreTest {
 protected:
   std::string unfinished = results + "/unfinished";
+  std::string problem;
 
   StoreInterruptionTest() {
     fill(base, "new");
@@ -96,7 +97,7 @@ TEST_F(StoreInterruptionTest, CopyResults_OldContentCannotBePutBack_IsThereAfter
   }
   EXPECT_EQ(contentOf(setAside() + "/result.txt"), "old");
   EXPECT_FALSE(fs::exists(folderOf(copy)));
-  EXPECT_TRUE(removeUnfinishedCopies(file));
+  EXPECT_TRUE(removeUnfinishedCopies(file, problem)) << problem;
   expectOldContent();
   EXPECT_FALSE(fs::exists(unfinished));
 }
@@ -118,7 +119,7 @@ TEST_F(StoreInterruptionTest, Remove_TakesWhatWasLeftAsideToo) {
   const std::string path = folderOf(copy);
   fs::rename(path, setAside());
   EXPECT_TRUE(ProjectData::ProjectStore(file, path).remove());
-  EXPECT_TRUE(removeUnfinishedCopies(file));
+  EXPECT_TRUE(removeUnfinishedCopies(file, problem)) << problem;
   EXPECT_FALSE(fs::exists(path));
   EXPECT_FALSE(fs::exists(unfinished));
 }
@@ -142,7 +143,7 @@ TEST_F(StoreInterruptionTest, CopyResults_LeavesWhatOthersKeepInTheUnfinishedFol
   EXPECT_TRUE(copyResults(base, copy));
   EXPECT_TRUE(moveResults(copy, base));
   EXPECT_TRUE(ProjectData::ProjectStore(file, folderOf(base)).remove());
-  EXPECT_TRUE(removeUnfinishedCopies(file));
+  EXPECT_TRUE(removeUnfinishedCopies(file, problem)) << problem;
   EXPECT_EQ(contentOf(unfinished + "/notes/file"), "keep");
   EXPECT_EQ(contentOf(unfinished + "/old-0123456789abcdeX/file"), "keep");
 }
@@ -186,12 +187,12 @@ TEST_F(StoreInterruptionTest, Remove_Killed_IsWholeOrGoneOnceOpenedAgain) {
     ProjectData::ProjectStore(file, path).remove();
   };
   EXPECT_TRUE(endsAt(1, false, remove));
-  EXPECT_TRUE(removeUnfinishedCopies(file));
+  EXPECT_TRUE(removeUnfinishedCopies(file, problem)) << problem;
   expectOldContent();
   EXPECT_TRUE(endsAt(2, false, remove));
   EXPECT_FALSE(fs::exists(path));
   EXPECT_TRUE(fs::exists(unfinished));
-  EXPECT_TRUE(removeUnfinishedCopies(file));
+  EXPECT_TRUE(removeUnfinishedCopies(file, problem)) << problem;
   EXPECT_FALSE(fs::exists(path));
   EXPECT_FALSE(fs::exists(unfinished));
 }
@@ -206,7 +207,7 @@ TEST_F(StoreInterruptionTest, KilledAtAnyRenaming_IsBeforeOrAfterOnceOpenedAgain
         fill(copy, "old");
         const bool hasEnded = endsAt(ordinal, refuseExchanges,
                                      [&] { moves ? moveResults(base, copy) : copyResults(base, copy); });
-        EXPECT_TRUE(removeUnfinishedCopies(file));
+        EXPECT_TRUE(removeUnfinishedCopies(file, problem)) << problem;
         const std::string from = resultOf(base);
         const std::string to = resultOf(copy);
         const bool isBefore = from == "new" && to == "old";

@@ -59,11 +59,17 @@ public:
     const bool isDone = syncVersionFolder(file, fs::path(place.version).filename().string(), problem);
     return isDone == canBeWritten && isDone == problem.empty();
   }
-  bool copyAside() {
-    const bool canBeCopied = isCopyable();
+  bool backUp() {
+    // Without a folder there is nothing to copy, which is no failure; work that others left unfinished is not looked at.
+    const bool hasResults = typeOf(results) == fs::file_type::directory;
+    const bool canBeCopied =
+        isGone(results) || (hasResults && (isGone(place.version) || (isFolder(place.version) && !isTooDeep)));
     std::string problem;
-    const bool isDone = copyFolder(place.version, unused, results + "/unfinished", problem);
-    return isDone == canBeCopied && isDone == problem.empty() && isClean(unused);
+    const bool isDone = project->backup(backup, problem);
+    const bool isAsItMustBe = isDone == canBeCopied && isDone == problem.empty() && isClean(backupResults);
+    fs::remove_all(backupResults);
+    fs::remove(backup);
+    return isAsItMustBe;
   }
   bool clear() {
     std::string problem;
@@ -76,6 +82,8 @@ protected:
   LayoutPlace place{folder.path("canary"), results, folderOf(copy), folderOf(base)};
   std::string linked = folder.path("linked");
   std::string unused = results + "/fedcba9876543210";
+  std::string backup = folder.path("backup.optstudy");
+  std::string backupResults = folder.path("backup.results");
   std::map<std::string, std::string> canary;
   bool isRefused = false;
   bool isTooDeep = false;
@@ -165,7 +173,7 @@ INSTANTIATE_TEST_SUITE_P(Operations, StoreLayoutOperationTest,
                                          StoreOperation{"MoveTo", &StoreLayoutTest::moveTo},
                                          StoreOperation{"Rename", &StoreLayoutTest::rename},
                                          StoreOperation{"Sync", &StoreLayoutTest::sync},
-                                         StoreOperation{"CopyAside", &StoreLayoutTest::copyAside},
+                                         StoreOperation{"BackUp", &StoreLayoutTest::backUp},
                                          StoreOperation{"Clear", &StoreLayoutTest::clear}),
                          [](const auto &operation) { return std::string(operation.param.name); });
 

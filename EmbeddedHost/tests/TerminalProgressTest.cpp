@@ -4,6 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace EmbeddedHost {
 namespace {
 
@@ -73,6 +78,59 @@ TEST_F(TerminalProgressTest, Quiet_ShowsNothing) {
     progress.finish();
   }
   EXPECT_EQ(output, "");
+}
+
+// What a task shows on a standard error of its own, with the style that fits it.
+std::string shownOn(int end, int otherEnd, const char *terminal) {
+  const pid_t child = fork();
+  if (child == 0) {
+    setenv("TERM", terminal, 1);
+    dup2(end, STDERR_FILENO);
+    TerminalProgress progress(ProgressStyle::Automatic);
+    progress.start();
+    progress.setText("Solving");
+    progress.setNumberOfSteps(2);
+    progress.setPosition(2);
+    progress.finish();
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  close(end);
+  char text[4096] = {};
+  const ssize_t size = read(otherEnd, text, sizeof text);
+  close(otherEnd);
+  return size < 0 ? "nothing" : std::string(text, static_cast<std::size_t>(size));
+}
+
+std::string shownOnTerminal(const char *terminal) {
+  int master = -1;
+  int slave = -1;
+  const winsize size = {24, 30, 0, 0};
+  EXPECT_EQ(openpty(&master, &slave, nullptr, nullptr, &size), 0);
+  return shownOn(slave, master, terminal);
+}
+
+TEST_F(TerminalProgressTest, Automatic_OnATerminal_IsABarCutToItsWidth) {
+  const std::string shown = shownOnTerminal("xterm");
+  EXPECT_EQ(shown.substr(0, 11), "\r\033[KSolving");
+  const std::string last = shown.substr(shown.rfind("\033[K") + 3);
+  EXPECT_EQ(last.substr(0, 26), "[####################] 2/2");
+  EXPECT_LE(last.find('\r'), 30U);
+  EXPECT_EQ(last.substr(last.size() - 2), "\r\n");
+}
+
+TEST_F(TerminalProgressTest, Automatic_OnATerminalThatCannotRedraw_IsLines) {
+  EXPECT_EQ(shownOnTerminal("dumb").substr(0, 9), "Solving\r\n");
+}
+
+TEST_F(TerminalProgressTest, Automatic_OnAPipe_IsLines) {
+  int ends[2] = {};
+  ASSERT_EQ(pipe(ends), 0);
+  const std::string shown = shownOn(ends[1], ends[0], "xterm");
+  EXPECT_EQ(shown.substr(0, 8), "Solving\n");
+  EXPECT_EQ(shown.find_first_of("\r\033"), std::string::npos);
+  EXPECT_NE(shown.find("Solving  2/2"), std::string::npos);
 }
 
 TEST_F(TerminalProgressTest, NestedRanges_DivideAStepOfTheRangeAround) {

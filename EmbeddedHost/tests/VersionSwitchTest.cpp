@@ -221,6 +221,24 @@ TEST_F(VersionSwitchTest, ChangeSet_HoldsWhatDiffers) {
             std::vector<EntityModel::Attribute *>{&attribute(partA, "Width")});
 }
 
+TEST_F(VersionSwitchTest, ChangeSet_BetweenVersionsThatEditTheSame_HoldsItOnce) {
+  ModelVersion *one = follow(base, "One");
+  ModelVersion *two = follow(base, "Two");
+  show(one);
+  set(partA, "Width", "7");
+  set(partA, "Count", "4");
+  show(two);
+  set(partA, "Width", "8");
+  set(partA, "Count", "4");
+  EntityModel::ChangeSet changes;
+
+  tree.setCurrentVersion(one, &changes, false, nullptr, true);
+
+  ASSERT_EQ(changes.getModifiedEntities().size(), 1U);
+  EXPECT_EQ(changes.getModifiedEntities()[0].attributes,
+            std::vector<EntityModel::Attribute *>{&attribute(partA, "Width")});
+}
+
 TEST_F(VersionSwitchTest, RecordRun_InAVersionThatIsNotShown_LeavesTheShownOneAlone) {
   ModelVersion *copy = follow(base, "Copy");
   ModelVersion *row = alternate(copy, "Row");

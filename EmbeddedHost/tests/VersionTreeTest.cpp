@@ -79,6 +79,16 @@ TEST_F(VersionTreeTest, Alternates_StandInTheOrderOfTheirPositions) {
   EXPECT_EQ(labels(alternatesOf(copy)), (Names{"first", "one", "middle", "two", "end"}));
 }
 
+TEST_F(VersionTreeTest, AlternateOfTheLastAlternate_PastTheEnd_IsAppended) {
+  ModelVersion *copy = follow(project->rootVersion(), "Copy");
+  alternate(copy, "First");
+  ModelVersion *last = alternate(copy, "Last");
+  alternate(last, "New");
+  std::vector<ModelVersion *> alternates;
+  tree.getAlternates(copy, alternates);
+  EXPECT_EQ(labels(alternates), (std::vector<std::string>{"First", "Last", "New"}));
+}
+
 TEST_F(VersionTreeTest, AlternatesOfAnAlternate_BelongToTheSameFamily) {
   ModelVersion *copy = follow(base, "Copy");
   ModelVersion *one = alternate(copy, "one");
@@ -129,6 +139,24 @@ TEST_F(VersionTreeTest, FindVersion_GivesTheFirstCreatedWithExactlyThisLabel) {
   EXPECT_EQ(tree.findVersion("Same", nullptr), two);
 }
 
+TEST_F(VersionTreeTest, FindVersion_AmongVersionsThatShareALabel_FollowsTheOrderOfCreation) {
+  ModelVersion *one = follow(base, "Same");
+  ModelVersion *two = follow(base, "Same");
+  ModelVersion *three = follow(base, "Same");
+  three->setLabel("Other");
+  ModelVersion *four = follow(base, "Same");
+  three->setLabel("Same");
+  one->setLabel("Other");
+  EXPECT_EQ(tree.findVersion("Same", nullptr), two);
+  destroy({two});
+  EXPECT_EQ(tree.findVersion("Same", nullptr), three);
+  destroy({three});
+  EXPECT_EQ(tree.findVersion("Same", nullptr), four);
+  destroy({four});
+  EXPECT_EQ(tree.findVersion("Same", nullptr), nullptr);
+  EXPECT_EQ(tree.findVersion("Other", nullptr), one);
+}
+
 TEST_F(VersionTreeTest, FindVersion_WithAnEntity_TakesVersionsThatHaveIt) {
   ModelVersion *one = follow(base, "Same");
   ModelVersion *two = follow(base, "Same");
@@ -147,6 +175,25 @@ TEST_F(VersionTreeTest, UniqueName_LeavesFreeLabelsAndNumbersTakenOnes) {
   EXPECT_EQ(tree.getUniqueName("Base", {}), "Base (3)");
   EXPECT_EQ(tree.getUniqueName("Free", {{"Free", nullptr}, {"Free (2)", nullptr}}), "Free (3)");
   EXPECT_EQ(tree.getUniqueName("", {}), "");
+}
+
+TEST_F(VersionTreeTest, UniqueName_HasTheLowestNumberThatIsFree) {
+  ModelVersion *copy = follow(base, "Copy");
+  for (int count = 0; count < 5; ++count) {
+    tree.startNewAlternate(copy, nullptr, false, SIZE_MAX);
+  }
+  const std::vector<ModelVersion *> made = alternatesOf(copy);
+  EXPECT_EQ(labels(made), (Names{"Copy (2)", "Copy (3)", "Copy (4)", "Copy (5)", "Copy (6)"}));
+  EXPECT_EQ(tree.getUniqueName("Copy", {}), "Copy (7)");
+  made[2]->setLabel("Other");
+  EXPECT_EQ(tree.getUniqueName("Copy", {}), "Copy (4)");
+  destroy({made[1]});
+  EXPECT_EQ(tree.getUniqueName("Copy", {}), "Copy (3)");
+  follow(base, "Copy (3)");
+  EXPECT_EQ(tree.getUniqueName("Copy", {}), "Copy (4)");
+  follow(base, "Copy (4)");
+  EXPECT_EQ(tree.getUniqueName("Copy", {{"Copy (7)", nullptr}}), "Copy (8)");
+  EXPECT_EQ(tree.getUniqueName("Copy", {}), "Copy (7)");
 }
 
 TEST_F(VersionTreeTest, Destroy_RemovesFromTreeFamilyAndLabels) {

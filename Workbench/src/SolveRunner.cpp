@@ -4,6 +4,7 @@
 #include "Workbench/src/VersionRun.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Workbench {
 
@@ -78,9 +79,10 @@ void SolveRunner::assess() {
       continue;
     }
     const EmbeddedHost::RunRecord record = m_session.project().runRecord(*m_session.rowVersion(row));
-    if (record.status == RunStatus::Failed) {
+    if (record.status == RunStatus::Failed || record.status == RunStatus::Running) {
       state.status = RowStatus::Failed;
-      state.reason = record.reason;
+      // Nothing runs while rows are assessed.
+      state.reason = record.status == RunStatus::Running ? EmbeddedHost::kLostRun : record.reason;
     } else if (record.status == RunStatus::Ok) {
       state.status = record.keys == rendered.keys.texts() ? RowStatus::Ok : RowStatus::Stale;
     }
@@ -110,81 +112,112 @@ SolveReport SolveRunner::solve(std::size_t parallel, SolveObserver &observer) {
   return report;
 }
 
-// A version that is not solved must not show the results of the version that it was made from.
-std::string SolveRunner::unsetResults(EntityModel::ModelVersion &version) {
-  const EmbeddedHost::CommandResult switched = m_session.commands().switchVersion(&version);
-  if (!switched) {
-    return switched.problem;
+// The row has failed for a reason that is not in its record.
+void SolveRunner::stopRow(std::size_t row, const std::string &reason, SolveObserver &observer,
+                          SolveReport &report) {
+  RowState state = m_session.rowState(row);
+  state.status = RowStatus::Failed;
+  state.reason = reason;
+  m_session.setRowState(row, state);
+  ++report.failed;
+  observer.finished(m_session.rowName(row), state, 0.0);
+}
+
+// Null when nothing was started. What cannot be begun in the file could not be recorded there either, so no further
+// row is begun then.
+std::unique_ptr<VersionRun> SolveRunner::begin(std::size_t row, SolveObserver &observer,
+                                               SolveReport &report) {
+  Rendered rendered;
+  std::string problem = render(row, rendered);
+  if (!problem.empty()) {
+    stopRow(row, "start: " + problem, observer, report);
+    return nullptr;
   }
-  for (const StudyAttribute &attribute : m_session.study().attributes) {
-    if (attribute.isResult) {
-      m_session.project().setValue(m_session.attributes().findEntity(attribute.entity), attribute.name, "");
+  auto run = std::make_unique<VersionRun>(m_session, m_units, row, *m_session.rowVersion(row));
+  run->prepare(rendered.files, rendered.keys.texts());
+  if (!run->isPrepared()) {
+    return run; // a record says why
+  }
+  if (!m_session.project().beginRun(run->version(), run->record(), run->results(), problem)) {
+    run->cancel();
+    report.problem = "the run of \"" + m_session.rowName(row) + "\" cannot be begun: " + problem;
+    stopRow(row, "start: " + problem, observer, report);
+    return nullptr;
+  }
+  run->start(m_program);
+  return run;
+}
+
+void SolveRunner::record(const VersionRun &run, SolveObserver &observer, SolveReport &report) {
+  const EmbeddedHost::RunRecord &record = run.record();
+  std::string problem;
+  if (!m_session.project().recordRun(run.version(), record, run.results(), problem)) {
+    if (report.problem.empty()) {
+      report.problem = "the results of \"" + m_session.rowName(run.row()) + "\" cannot be stored: " + problem;
+    }
+    stopRow(run.row(), "not recorded: " + problem, observer, report);
+    return;
+  }
+  RowState state = m_session.rowState(run.row());
+  state.status = record.status == RunStatus::Ok ? RowStatus::Ok : RowStatus::Failed;
+  state.reason = record.reason;
+  m_session.setRowState(run.row(), state);
+  ++(state.status == RowStatus::Ok ? report.solved : report.failed);
+  observer.finished(m_session.rowName(run.row()), state, record.durationSeconds);
+}
+
+// Records what has ended and waits a while when nothing has.
+void SolveRunner::pollAll(Runs &running, SolveObserver &observer, SolveReport &report) {
+  std::vector<EmbeddedHost::SolverProcess *> processes;
+  bool someEnded = false;
+  for (auto &run : running) {
+    if (run->poll()) {
+      record(*run, observer, report);
+      run.reset();
+      someEnded = true;
+    } else {
+      processes.push_back(run->process());
     }
   }
-  return "";
+  running.erase(std::remove(running.begin(), running.end(), nullptr), running.end());
+  if (!someEnded) {
+    EmbeddedHost::SolverProcess::waitForAny(processes, kLongestWait);
+  }
+}
+
+// Where nothing can be recorded they stay begun in the file, which shows as lost when it is opened next.
+void SolveRunner::cancelAll(const Runs &running, SolveObserver &observer, SolveReport &report) {
+  for (const auto &run : running) {
+    run->cancel();
+  }
+  for (const auto &run : running) {
+    if (report.problem.empty()) {
+      record(*run, observer, report);
+    }
+  }
 }
 
 void SolveRunner::solveRows(const std::vector<std::size_t> &rows, std::size_t parallel,
                             SolveObserver &observer, SolveReport &report) {
-  std::vector<std::unique_ptr<VersionRun>> running;
+  Runs running;
   std::size_t next = 0;
-  const auto finish = [&](const VersionRun &run) {
-    const EmbeddedHost::RunRecord &record = run.record();
-    std::string problem;
-    if (!m_session.project().recordRun(run.version(), record, run.results(), problem)) {
-      report.problem = "the results of \"" + m_session.rowName(run.row()) + "\" cannot be stored: " + problem;
-      return;
-    }
-    RowState state = m_session.rowState(run.row());
-    state.status = record.status == RunStatus::Ok ? RowStatus::Ok : RowStatus::Failed;
-    state.reason = record.reason;
-    m_session.setRowState(run.row(), state);
-    ++(state.status == RowStatus::Ok ? report.solved : report.failed);
-    observer.finished(m_session.rowName(run.row()), state, record.durationSeconds);
-  };
   while (true) {
     const int interruptions = observer.interruptions();
     report.isInterrupted = interruptions > 0 && (next < rows.size() || !running.empty());
-    if (interruptions > 1 || !report.problem.empty()) {
+    if (interruptions > 1) {
       break;
     }
     while (interruptions == 0 && report.problem.empty() && next < rows.size() && running.size() < parallel) {
-      const std::size_t row = rows[next++];
-      Rendered rendered;
-      const std::string problem = render(row, rendered);
-      EntityModel::ModelVersion *version = m_session.rowVersion(row);
-      if (!problem.empty() || version == nullptr) {
-        ++report.failed; // assessed as failed, with the reason
-        observer.finished(m_session.rowName(row), m_session.rowState(row), 0.0);
-        continue;
+      if (auto run = begin(rows[next++], observer, report)) {
+        running.push_back(std::move(run));
       }
-      report.problem = unsetResults(*version);
-      auto run = std::make_unique<VersionRun>(m_session, m_units, row, *version);
-      run->start(m_program, rendered.files, rendered.keys.texts());
-      running.push_back(std::move(run));
     }
     if (running.empty()) {
       break;
     }
-    std::vector<EmbeddedHost::SolverProcess *> processes;
-    bool someEnded = false;
-    for (auto &run : running) {
-      if (run->poll()) {
-        finish(*run);
-        run.reset();
-        someEnded = true;
-      } else {
-        processes.push_back(run->process());
-      }
-    }
-    running.erase(std::remove(running.begin(), running.end(), nullptr), running.end());
-    if (!someEnded) {
-      EmbeddedHost::SolverProcess::waitForAny(processes, kLongestWait);
-    }
+    pollAll(running, observer, report);
   }
-  for (const auto &run : running) {
-    run->cancel();
-  }
+  cancelAll(running, observer, report);
 }
 
 } // namespace Workbench

@@ -21,7 +21,6 @@ using EmbeddedHost::SolverEnd;
 
 // A run is made in the first folder and moved to the second when it has ended, so that the second never holds half of
 // a run.
-constexpr const char *kRunning = "run.new";
 constexpr const char *kFinished = "run";
 constexpr const char *kOutputLog = "stdout.log";
 constexpr const char *kErrorLog = "stderr.log";
@@ -66,12 +65,12 @@ void VersionRun::fail(const std::string &reason) {
   }
 }
 
-std::string VersionRun::prepare(const std::vector<RunFile> &files) {
+std::string VersionRun::makeFolder(const std::vector<RunFile> &files) {
   const std::string parent = m_session.project().versionFolder(m_version, true);
   if (parent.empty()) {
-    return "the version's folder cannot be made";
+    return "the version's folder beside " + m_session.project().file() + " cannot be made";
   }
-  m_folder = parent + "/" + kRunning;
+  m_folder = parent + "/" + EmbeddedHost::kUnfinishedRunFolder;
   std::error_code error;
   fs::remove_all(m_folder, error); // removes a link itself, never what it points to
   if (error || !fs::create_directory(m_folder, error) || error) {
@@ -89,18 +88,19 @@ std::string VersionRun::prepare(const std::vector<RunFile> &files) {
   return "";
 }
 
-void VersionRun::start(const std::string &program, const std::vector<RunFile> &files,
-                       const std::vector<std::string> &keys) {
-  const StudySolver &solver = m_session.study().solver;
+void VersionRun::prepare(const std::vector<RunFile> &files, const std::vector<std::string> &keys) {
   m_record.keys = keys;
-  m_record.command = solver.command;
+  m_record.command = m_session.study().solver.command;
   m_record.startedAt = static_cast<std::int64_t>(std::time(nullptr));
   m_record.status = RunStatus::Running;
-  const std::string problem = prepare(files);
+  const std::string problem = makeFolder(files);
   if (!problem.empty()) {
     fail("start: " + problem);
-    return;
   }
+}
+
+void VersionRun::start(const std::string &program) {
+  const StudySolver &solver = m_session.study().solver;
   EmbeddedHost::SolverCommand command;
   command.program = program;
   command.arguments = solver.command;
@@ -128,6 +128,7 @@ bool VersionRun::poll() {
 
 void VersionRun::cancel() {
   m_process.reset();
+  fail("cancelled");
   std::error_code ignored;
   if (!m_folder.empty()) {
     fs::remove_all(m_folder, ignored);

@@ -19,12 +19,14 @@ public:
   VersionRun(const StudySession &session, const UnitSystem &units, std::size_t row,
              EntityModel::ModelVersion &version);
 
-  // Makes the folder, writes the files and starts the solver. A run that cannot be started is finished at once.
-  void start(const std::string &program, const std::vector<RunFile> &files,
-             const std::vector<std::string> &keys);
+  // Makes the folder and writes the files; poll() answers true at once when that fails.
+  void prepare(const std::vector<RunFile> &files, const std::vector<std::string> &keys);
+  bool isPrepared() const { return m_record.status == EmbeddedHost::RunStatus::Running; }
+  // Starts the solver of a prepared run. One that cannot be started is finished at once.
+  void start(const std::string &program);
   // True when the run has ended; record() and results() are complete then.
   bool poll();
-  // Ends the solver without a record.
+  // Ends the solver and forgets its files; the run has failed as cancelled then.
   void cancel();
 
   EmbeddedHost::SolverProcess *process() const { return m_process.get(); }
@@ -35,7 +37,7 @@ public:
   const std::vector<EmbeddedHost::ResultValue> &results() const { return m_results; }
 
 private:
-  std::string prepare(const std::vector<RunFile> &files);
+  std::string makeFolder(const std::vector<RunFile> &files);
   void finish();
   std::string problemOfOutcome() const;
   std::string extract();

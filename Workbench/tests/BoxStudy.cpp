@@ -95,6 +95,9 @@ void TestObserver::finished(const std::string &rowName, const RowState &state, d
 }
 
 int TestObserver::interruptions() const {
+  if (m_onAsked) {
+    m_onAsked();
+  }
   if (++m_questions > m_endNowAfter) {
     return 2;
   }

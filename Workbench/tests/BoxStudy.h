@@ -55,6 +55,7 @@ public:
   mutable int m_questions = 0;
   int m_ends = 0;
   std::function<void()> m_onFinished;
+  std::function<void()> m_onAsked; // whether to stop
 };
 
 // An open session with all that a solve needs.

@@ -1,5 +1,6 @@
 #include "Workbench/SolveRunner.h"
 
+#include "EmbeddedHost/src/project/ProjectParts.h"
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/OptimizationManager.h"
 #include "Workbench/MatrixTable.h"
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 
 namespace Workbench {
@@ -168,13 +170,122 @@ TEST_F(SolveRunnerTest, Solve_RowThatIsEndedInTheMiddle_HasLostItsOldResultsAlre
   observer.m_endNowAfter = 1; // when the first row has just been started
   const SolveReport report = solve(box, observer);
   EXPECT_TRUE(report.isInterrupted);
-  EXPECT_EQ(observer.m_finished, Names{});
+  EXPECT_EQ(report.failed, 1U);
+  EXPECT_EQ(observer.m_finished, Names{"Base: cancelled"});
   EXPECT_FALSE(box.session->attributes().find("Box.sum")->hasValue()); // the baseline is current
   EXPECT_FALSE(hasOutput(box, 0, 0));
   EXPECT_TRUE(hasOutput(box, 1, 0)); // not begun: stale, and so not shown
   EXPECT_FALSE(MatrixTable::of(*box.session).rows[1].outputs[0].has_value());
   const std::string folder = box.session->project().versionFolder(*box.session->baseline(), false);
   EXPECT_FALSE(std::filesystem::exists(folder + "/run.new"));
+}
+
+TEST_F(SolveRunnerTest, Assess_RunThatWasBegunAndNeverRecorded_IsLostAndSolvedAgain) {
+  std::string problem;
+  {
+    OpenBox box = open(m_box);
+    solve(box);
+    ASSERT_TRUE(box.session->project().beginRun(*box.session->rowVersion(1), {}, {}, problem)) << problem;
+  }
+  OpenBox box = open(m_box);
+  box.runner->assess();
+  EXPECT_EQ(box.session->rowState(1).status, RowStatus::Failed);
+  EXPECT_EQ(box.session->rowState(1).reason, "lost: the program ended while it ran");
+  EXPECT_EQ(box.session->rowState(2).status, RowStatus::Ok);
+  EXPECT_EQ(MatrixTable::of(*box.session).rows[1].status, "failed: lost: the program ended while it ran");
+  TestObserver observer;
+  solve(box, observer);
+  EXPECT_EQ(observer.m_finished, Names{"two"});
+  EXPECT_EQ(box.session->rowState(1).status, RowStatus::Ok);
+}
+
+TEST_F(SolveRunnerTest, Assess_RunOfThisSessionThatNobodyRecorded_IsLost) {
+  OpenBox box = open(m_box);
+  solve(box);
+  std::string problem;
+  ASSERT_TRUE(box.session->project().beginRun(*box.session->rowVersion(1), {}, {}, problem)) << problem;
+  box.runner->assess();
+  EXPECT_EQ(box.session->rowState(1).reason, "lost: the program ended while it ran");
+}
+
+TEST_F(SolveRunnerTest, Solve_WhileItRuns_ARowIsRunning) {
+  OpenBox box = open(m_box);
+  TestObserver observer;
+  std::vector<EmbeddedHost::RunStatus> seen;
+  m_box.writeSolver("while [ ! -e ../../../seen ]; do sleep 0.01; done");
+  observer.m_onAsked = [&] {
+    seen.push_back(box.session->project().runRecord(*box.session->baseline()).status);
+    if (seen.back() == EmbeddedHost::RunStatus::Running) {
+      m_box.write("seen", "");
+    }
+  };
+  EXPECT_EQ(solve(box, observer).solved, 3U);
+  EXPECT_EQ(seen.front(), EmbeddedHost::RunStatus::None);
+  EXPECT_EQ(seen.at(1), EmbeddedHost::RunStatus::Running);
+  EXPECT_EQ(seen.back(), EmbeddedHost::RunStatus::Ok);
+}
+
+// Another program that reads the project and does not come to an end.
+class LockedProjectTest : public SolveRunnerTest {
+protected:
+  LockedProjectTest() {
+    m_box.writeSolver("touch ../../../started");
+    m_open = open(m_box);
+  }
+  void beginReading() {
+    m_open.session->project().parts().file->database().setLongestWaitToWrite(std::chrono::milliseconds(50));
+    m_reader = std::make_unique<EmbeddedHost::Database>(m_box.projectFile(),
+                                                        EmbeddedHost::Database::Access::ReadOnly);
+    m_reader->execute("BEGIN");
+    m_reader->number("SELECT count(*) FROM value");
+  }
+  // Goes without saving, which would be refused as well.
+  SolveReport solveOnly(std::size_t parallel, TestObserver &observer) {
+    m_open.runner->assess();
+    return m_open.runner->solve(parallel, observer);
+  }
+  std::string refusal() const {
+    return "The project " + m_box.projectFile() + " could not be saved: another program keeps it locked.";
+  }
+
+  OpenBox m_open;
+  std::unique_ptr<EmbeddedHost::Database> m_reader;
+};
+
+TEST_F(LockedProjectTest, RowThatCannotBeBegun_IsNotStarted) {
+  beginReading();
+  TestObserver observer;
+  const SolveReport report = solveOnly(1, observer);
+  EXPECT_EQ(report.problem, "the run of \"Base\" cannot be begun: " + refusal());
+  EXPECT_EQ(report.failed, 1U);
+  EXPECT_EQ(observer.m_finished, Names{"Base: start: " + refusal()});
+  EXPECT_FALSE(std::filesystem::exists(m_box.file("started")));
+  EXPECT_EQ(m_open.session->rowState(0).status, RowStatus::Failed);
+  EXPECT_EQ(m_open.session->rowState(1).status, RowStatus::NotRun);
+  EXPECT_EQ(m_open.session->project().runRecord(*m_open.session->baseline()).status,
+            EmbeddedHost::RunStatus::None);
+  const std::string folder = m_open.session->project().versionFolder(*m_open.session->baseline(), false);
+  EXPECT_FALSE(std::filesystem::exists(folder + "/run.new"));
+  m_reader.reset();
+  EXPECT_EQ(solve(m_open).solved, 3U);
+}
+
+TEST_F(LockedProjectTest, ResultThatCannotBeRecorded_StopsTheSolve_AndIsSolvedAgainLater) {
+  TestObserver observer;
+  observer.m_onAsked = [&] {
+    if (std::filesystem::exists(m_box.file("started")) && m_reader == nullptr) {
+      beginReading();
+    }
+  };
+  m_box.writeSolver("touch ../../../started; sleep 0.5");
+  const SolveReport report = solveOnly(2, observer);
+  EXPECT_EQ(report.problem.substr(report.problem.find("cannot")), "cannot be stored: " + refusal());
+  EXPECT_EQ(report.solved, 0U);
+  EXPECT_EQ(observer.m_finished.size(), 2U); // what ran was waited for, and nothing further begun
+  EXPECT_EQ(m_open.session->rowState(0).reason, "not recorded: " + refusal());
+  EXPECT_EQ(m_open.session->rowState(2).status, RowStatus::NotRun);
+  m_reader.reset();
+  EXPECT_EQ(solve(m_open).solved, 3U);
 }
 
 TEST_F(SolveRunnerTest, Interruption_FinishesWhatRunsAndLeavesTheRest) {

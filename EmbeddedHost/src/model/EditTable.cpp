@@ -27,10 +27,9 @@ std::size_t EditTable::find(const Slot *slot) const {
     return kNone;
   }
   const std::size_t mask = m_index.size() - 1;
-  for (std::size_t place = placeOf(slot, mask); m_index[place] != 0; place = (place + 1) & mask) {
-    const std::size_t position = m_index[place] - 1;
-    if (m_edits[position].slot == slot) {
-      return position;
+  for (std::size_t place = placeOf(slot, mask); m_index[place].slot != nullptr; place = (place + 1) & mask) {
+    if (m_index[place].slot == slot) {
+      return m_index[place].position;
     }
   }
   return kNone;
@@ -61,7 +60,7 @@ void EditTable::rebuildIndex() {
   while (size < m_edits.size() * 3) {
     size *= 2;
   }
-  m_index.assign(size, 0);
+  m_index.assign(size, {});
   for (std::size_t position = 0; position < m_edits.size(); ++position) {
     enter(position);
   }
@@ -70,10 +69,10 @@ void EditTable::rebuildIndex() {
 void EditTable::enter(std::size_t position) {
   const std::size_t mask = m_index.size() - 1;
   std::size_t place = placeOf(m_edits[position].slot, mask);
-  while (m_index[place] != 0) {
+  while (m_index[place].slot != nullptr) {
     place = (place + 1) & mask;
   }
-  m_index[place] = static_cast<std::uint32_t>(position + 1);
+  m_index[place] = {m_edits[position].slot, position};
 }
 
 } // namespace EmbeddedHost

@@ -35,12 +35,18 @@ public:
   void reserve(std::size_t count) { m_edits.reserve(count); }
 
 private:
+  // With the slot, so that a search need not look into the edits.
+  struct Place {
+    const Slot *slot = nullptr;
+    std::size_t position = 0;
+  };
+
   void rebuildIndex();
   void enter(std::size_t position);
 
   std::vector<Edit> m_edits;
-  // Open addressing: position + 1 of an edit, 0 for a free place. A power of two, empty for few edits.
-  std::vector<std::uint32_t> m_index;
+  // Open addressing; a free place has no slot. A power of two, empty for few edits.
+  std::vector<Place> m_index;
 };
 
 } // namespace EmbeddedHost

@@ -67,6 +67,22 @@ QString StudyTypeNames::getStudyTypeName(ModelVersionStudyType type) {
   return QStringLiteral("Study %1").arg(static_cast<int>(type));
 }
 
+namespace {
+
+// The number of steps is limited, because entities may own each other in a circle.
+bool hasOwnerWithoutEffect(const ModelEntity &entity) {
+  std::size_t steps = entity.model().entities().size();
+  for (const Slot *owner = entity.ownerSlot(); owner != nullptr && steps > 0; --steps) {
+    if (owner->member->hasNoSimulationEffect) {
+      return true;
+    }
+    owner = owner->owner->ownerSlot();
+  }
+  return false;
+}
+
+} // namespace
+
 DeclaredImpact::DeclaredImpact(Model &model) : m_model(model) {}
 DeclaredImpact::~DeclaredImpact() = default;
 
@@ -94,13 +110,7 @@ bool DeclaredImpact::hasModellingImpact(const EntityModel::Attribute *attribute,
     }
   }
   const ModelEntity *entity = attribute->isEntity() ? dynamic_cast<const ModelEntity *>(attribute) : owner;
-  while (includeOwners && entity != nullptr && entity->ownerSlot() != nullptr) {
-    if (entity->ownerSlot()->member->hasNoSimulationEffect) {
-      return true;
-    }
-    entity = entity->ownerSlot()->owner;
-  }
-  return false;
+  return includeOwners && entity != nullptr && hasOwnerWithoutEffect(*entity);
 }
 
 } // namespace EmbeddedHost

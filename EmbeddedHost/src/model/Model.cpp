@@ -14,14 +14,14 @@ bool holdsEntities(const Slot &slot) {
 }
 
 void release(Slot &slot, const LinkValue &element) {
-  if (element.isOwned && element.entity->ownerSlot() == &slot) {
-    element.entity->setOwnerSlot(nullptr);
+  if (element.isOwned) {
+    element.entity->removeOwner(slot);
   }
 }
 
 void takeOver(Slot &slot, const LinkValue &element) {
   if (element.isOwned) {
-    element.entity->setOwnerSlot(&slot);
+    element.entity->addOwner(slot);
   }
 }
 
@@ -119,7 +119,12 @@ std::shared_ptr<ListContent> Model::editableList(Slot &list) {
   const bool isProject = isProjectLevel(list);
   const bool isRecorded = isProject || m_tree.current()->edits.find(&list) != EditTable::kNone;
   if (content == nullptr || !isRecorded) {
-    setValue(list, std::make_shared<ListContent>(ListContent{elementsOf(list.value)}));
+    auto copy = std::make_shared<ListContent>(ListContent{elementsOf(list.value)});
+    for (LinkValue &element : copy->elements) {
+      // What another place owns in this version would otherwise move back here.
+      element.isOwned = element.isOwned && element.entity->ownerSlot() == &list;
+    }
+    setValue(list, std::move(copy));
     return std::get<std::shared_ptr<ListContent>>(list.value);
   }
   if (isProject) {
@@ -167,22 +172,31 @@ bool Model::addLink(Slot &link, ModelEntity &entity, std::size_t position) {
   return hasPlaceFor(link, entity) && insert(link, entity, false, position);
 }
 
-// Takes an entity out of the list or link that owns it.
+void Model::takeOutOf(Slot &owner, ModelEntity &entity) {
+  if (owner.member->kind == MemberKind::EntityLink) {
+    setValue(owner, Value());
+    return;
+  }
+  std::vector<LinkValue> &elements = editableList(owner)->elements;
+  const auto isEntity = [&owner, &entity](const LinkValue &element) {
+    const bool isFound = element.isOwned && element.entity == &entity;
+    if (isFound) {
+      entity.removeOwner(owner);
+    }
+    return isFound;
+  };
+  elements.erase(std::remove_if(elements.begin(), elements.end(), isEntity), elements.end());
+}
+
+// Takes an entity out of the list or link that owns it, and out of those that would own it then.
 bool Model::takeOut(ModelEntity &entity) {
   Slot *owner = entity.ownerSlot();
   if (owner == nullptr || !entity.exists() || (!isProjectLevel(*owner) && m_tree.current() == nullptr)) {
     return false;
   }
-  if (owner->member->kind == MemberKind::EntityLink) {
-    return setValue(*owner, Value());
+  for (; owner != nullptr; owner = entity.ownerSlot()) {
+    takeOutOf(*owner, entity);
   }
-  std::vector<LinkValue> &elements = editableList(*owner)->elements;
-  elements.erase(std::remove_if(elements.begin(), elements.end(),
-                                [&entity](const LinkValue &element) {
-                                  return element.isOwned && element.entity == &entity;
-                                }),
-                 elements.end());
-  entity.setOwnerSlot(nullptr);
   return true;
 }
 
@@ -212,17 +226,23 @@ bool Model::reorder(Slot &list, std::size_t from, std::size_t to) {
   return true;
 }
 
+// In a loop, because entities may be nested deeper than calls may.
 void Model::buryWithContent(ModelEntity &entity) {
-  m_deletedEntities.push_back(entity.number());
-  m_unsavedEntities.erase(&entity);
-  for (Slot &slot : entity.slots()) {
-    m_unsavedSlots.erase(&slot);
-    forEachLink(slot.value, [this, &slot](const LinkValue &element) {
-      if (element.isOwned && element.entity->ownerSlot() == &slot) {
-        element.entity->setOwnerSlot(nullptr);
-        buryWithContent(*element.entity);
-      }
-    });
+  std::vector<ModelEntity *> buried = {&entity};
+  while (!buried.empty()) {
+    ModelEntity &each = *buried.back();
+    buried.pop_back();
+    m_deletedEntities.push_back(each.number());
+    m_unsavedEntities.erase(&each);
+    for (Slot &slot : each.slots()) {
+      m_unsavedSlots.erase(&slot);
+      forEachLink(slot.value, [&slot, &buried](const LinkValue &element) {
+        if (element.isOwned && element.entity->ownerSlot() == &slot) {
+          element.entity->removeOwner(slot);
+          buried.push_back(element.entity);
+        }
+      });
+    }
   }
 }
 

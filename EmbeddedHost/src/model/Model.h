@@ -80,6 +80,7 @@ public:
 private:
   bool hasPlaceFor(const Slot &link, const ModelEntity &entity) const;
   bool insert(Slot &link, ModelEntity &entity, bool isOwned, std::size_t position);
+  void takeOutOf(Slot &owner, ModelEntity &entity);
   bool takeOut(ModelEntity &entity);
   std::shared_ptr<ListContent> editableList(Slot &list);
   void buryWithContent(ModelEntity &entity);

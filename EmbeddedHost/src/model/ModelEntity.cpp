@@ -4,6 +4,7 @@
 #include "EmbeddedHost/src/model/ModelAttributes.h"
 #include "EmbeddedHost/src/model/ValueText.h"
 
+#include <algorithm>
 #include <typeinfo>
 #include <utility>
 
@@ -38,16 +39,46 @@ const ModelEntity *ModelEntity::from(const EntityModel::Entity *entity, const Mo
   return from(const_cast<EntityModel::Entity *>(entity), model);
 }
 
-// The number of steps is limited, because a damaged file may make entities own each other in a circle.
+// The number of steps is limited: entities own each other in a circle in a damaged file, and, once deleted, where
+// one was moved into the other in a version and the other way round in a version before it.
 bool ModelEntity::isInside(const ModelEntity &other) const {
   const ModelEntity *entity = this;
   for (std::size_t steps = m_model.entities().size(); entity != &other; --steps) {
-    if (entity->m_ownerSlot == nullptr || steps == 0) {
+    const Slot *owner = entity->ownerSlot();
+    if (owner == nullptr || steps == 0) {
       return false;
     }
-    entity = entity->m_ownerSlot->owner;
+    entity = owner->owner;
   }
   return true;
+}
+
+void ModelEntity::addOwner(Slot &slot) {
+  if (m_ownerSlot == nullptr) {
+    m_ownerSlot = &slot;
+  } else {
+    m_otherOwners.push_back(&slot);
+  }
+}
+
+void ModelEntity::removeOwner(const Slot &slot) {
+  if (m_ownerSlot == &slot) {
+    m_ownerSlot = m_otherOwners.empty() ? nullptr : m_otherOwners.back();
+    if (m_ownerSlot != nullptr) {
+      m_otherOwners.pop_back();
+    }
+    return;
+  }
+  const auto found = std::find(m_otherOwners.begin(), m_otherOwners.end(), &slot);
+  if (found != m_otherOwners.end()) {
+    m_otherOwners.erase(found);
+  }
+}
+
+Slot *ModelEntity::latestOwner() const {
+  std::vector<Slot *> owners = m_otherOwners;
+  owners.push_back(m_ownerSlot);
+  return m_model.tree().latestOf(owners);
 }
 
 bool ModelEntity::exists() const {
@@ -108,7 +139,8 @@ EntityModel::Attribute *ModelEntity::findAttribute(const TypeRef &type, bool sea
 }
 
 EntityModel::EntityLink *ModelEntity::getOwnerEntityLink() const {
-  return m_ownerSlot == nullptr || !exists() ? nullptr : attributeOf(*m_ownerSlot).asLink();
+  Slot *owner = ownerSlot();
+  return owner == nullptr || !exists() ? nullptr : attributeOf(*owner).asLink();
 }
 
 std::string ModelEntity::getName(bool /*asDisplayed*/) const {
@@ -116,11 +148,13 @@ std::string ModelEntity::getName(bool /*asDisplayed*/) const {
 }
 
 EntityModel::Entity *ModelEntity::getOwnerEntity() {
-  return m_ownerSlot == nullptr || !exists() ? nullptr : m_ownerSlot->owner;
+  const Slot *owner = ownerSlot();
+  return owner == nullptr || !exists() ? nullptr : owner->owner;
 }
 
 const EntityModel::Entity *ModelEntity::getOwnerEntity() const {
-  return m_ownerSlot == nullptr || !exists() ? nullptr : m_ownerSlot->owner;
+  const Slot *owner = ownerSlot();
+  return owner == nullptr || !exists() ? nullptr : owner->owner;
 }
 
 AttributePath ModelEntity::getAttributePath() const {

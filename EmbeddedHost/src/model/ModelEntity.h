@@ -35,9 +35,12 @@ public:
   /// Whether the entity is \p other or is owned by it over any number of links.
   bool isInside(const ModelEntity &other) const;
 
-  /// The list or link that owns the entity in the current version; null when none does.
-  Slot *ownerSlot() const { return m_ownerSlot; }
-  void setOwnerSlot(Slot *slot) { m_ownerSlot = slot; }
+  /// The list or link that owns the entity in the shown version; null when none does. Where a version's edits and
+  /// later ones of a version before it put the entity into different places, it is where the later version has it.
+  Slot *ownerSlot() const { return m_otherOwners.empty() ? m_ownerSlot : latestOwner(); }
+  /// A list or link shows the entity as its own from now on, or does so no more.
+  void addOwner(Slot &slot);
+  void removeOwner(const Slot &slot);
 
   std::vector<Slot> &slots() { return m_slots; }
   /// The slot of a member; null when the type has no such member.
@@ -92,12 +95,15 @@ public:
   std::unique_ptr<EntityModel::Attribute> clone() const override;
 
 private:
+  Slot *latestOwner() const;
+
   Model &m_model;
   std::shared_ptr<const EntityType> m_type;
   std::int64_t m_number;
   std::string m_name;
   bool m_isProjectLevel;
   Slot *m_ownerSlot = nullptr;
+  std::vector<Slot *> m_otherOwners;
   std::vector<Slot> m_slots;
 };
 

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <exception>
+#include <functional>
 #include <set>
 #include <utility>
 
@@ -19,6 +21,7 @@ using EntityModel::TypeRef;
 EntityType::EntityType(std::string label, const std::vector<MemberType> &members, bool isStudyStorage)
     : m_label(std::move(label)), m_reference(TypeRef::fromLabel(m_label)), m_isStudyStorage(isStudyStorage) {
   add(members, "", 0);
+  enterPlaces();
 }
 
 EntityType::~EntityType() = default;
@@ -41,15 +44,37 @@ void EntityType::add(const std::vector<MemberType> &members, const std::string &
           declared.displayUnit.empty() ? member.standard : units.parse(declared.displayUnit).unit;
     }
     const std::size_t index = member.index;
-    m_positions.emplace(member.path, index);
     m_members.push_back(std::move(member));
     add(declared.members, path + ".", index);
   }
 }
 
 const Member *EntityType::findMember(const AttributePath &path) const {
-  const auto found = m_positions.find(path);
-  return found == m_positions.end() ? nullptr : &m_members[found->second];
+  const auto &[found, index] = m_places[placeOf(path)];
+  return found.empty() ? nullptr : &m_members[index];
+}
+
+void EntityType::enterPlaces() {
+  std::size_t size = 4;
+  while (size < 2 * m_members.size()) {
+    size *= 2;
+  }
+  m_places.resize(size);
+  for (const Member &member : m_members) {
+    m_places[placeOf(member.path)] = {member.path, member.index};
+  }
+}
+
+std::size_t EntityType::placeOf(const AttributePath &path) const {
+  // Paths are addresses, which differ in their middle bits; multiplication spreads them over the high ones.
+  constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15ULL;
+  const std::size_t mask = m_places.size() - 1;
+  const std::uint64_t spread = std::uint64_t{std::hash<AttributePath>()(path)} * kSpread;
+  std::size_t place = static_cast<std::size_t>(spread >> 32U) & mask;
+  while (!m_places[place].first.empty() && m_places[place].first != path) {
+    place = (place + 1) & mask;
+  }
+  return place;
 }
 
 struct ModelSchema::Declaration {

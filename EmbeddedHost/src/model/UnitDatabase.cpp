@@ -122,6 +122,9 @@ UnitResult UnitDatabase::parse(std::string_view text) {
 }
 
 bool UnitDatabase::areConvertible(const Unit &from, const Unit &to) {
+  if (&from == &to) {
+    return true;
+  }
   const std::lock_guard<std::mutex> lock(m_mutex);
   return m_handles->converter(from, to) != nullptr;
 }

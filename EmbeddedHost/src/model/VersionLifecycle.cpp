@@ -72,11 +72,15 @@ ModelVersion *VersionTree::startNewAlternate(ModelVersion *version, ChangeSet *c
   }
   std::vector<Version *> &members = origin->m_family->members;
   // The position counts the alternates of the origin, which is not one of its own. Past the last of them is the end
-  // of the family, also when the origin itself stands last.
-  const auto ownPlace = std::find(members.begin(), members.end(), origin);
+  // of the family, also when the origin itself stands last. What a family was made from is no member of it and need
+  // not be searched among its thousands.
+  const bool isMember = origin->m_family->origin != origin;
+  const auto ownPlace = isMember ? std::find(members.begin(), members.end(), origin) : members.end();
   const std::size_t others = members.size() - (ownPlace == members.end() ? 0 : 1);
-  std::size_t place = position >= others ? members.size() : position;
-  if (position < others && position > static_cast<std::size_t>(ownPlace - members.begin())) {
+  std::size_t place = position;
+  if (position >= others) {
+    place = members.size();
+  } else if (place > static_cast<std::size_t>(ownPlace - members.begin())) {
     ++place;
   }
   members.insert(members.begin() + static_cast<std::ptrdiff_t>(place), &alternate);

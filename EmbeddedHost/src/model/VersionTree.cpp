@@ -90,6 +90,20 @@ void VersionTree::leave(Version &version) {
   version.isActive = false;
 }
 
+namespace {
+
+// Adds what the slots that the versions edit hold now. A slot that several edit comes more than once, with the same
+// value each time.
+void remember(const std::vector<Version *> &versions, std::vector<Edit> &values) {
+  for (const Version *version : versions) {
+    for (const Edit &edit : version->edits.edits()) {
+      values.push_back({edit.slot, deepCopy(edit.slot->value)});
+    }
+  }
+}
+
+} // namespace
+
 void VersionTree::show(Version &version, ChangeSet *changes) {
   std::vector<Version *> leaving;
   std::vector<Version *> entering;
@@ -105,18 +119,10 @@ void VersionTree::show(Version &version, ChangeSet *changes) {
     }
   }
 
-  std::unordered_map<Slot *, Value> before;
-  std::vector<Slot *> touched;
+  std::vector<Edit> before;
   if (changes != nullptr) {
-    for (const std::vector<Version *> *part : {&leaving, &entering}) {
-      for (const Version *each : *part) {
-        for (const Edit &edit : each->edits.edits()) {
-          if (before.emplace(edit.slot, deepCopy(edit.slot->value)).second) {
-            touched.push_back(edit.slot);
-          }
-        }
-      }
-    }
+    remember(leaving, before);
+    remember(entering, before);
   }
 
   for (Version *each : leaving) {
@@ -129,8 +135,8 @@ void VersionTree::show(Version &version, ChangeSet *changes) {
   if (changes == nullptr) {
     return;
   }
-  for (Slot *slot : touched) {
-    if (!isSameValue(before[slot], slot->value) && slot->owner->exists()) {
+  for (const auto &[slot, value] : before) {
+    if (!isSameValue(value, slot->value) && slot->owner->exists()) {
       changes->addModifiedAttribute(slot->owner, &ModelEntity::attributeOf(*slot));
     }
   }
@@ -225,6 +231,19 @@ const EntityModel::EditOperation *VersionTree::showEdit(const Version &version,
   }
   m_shownEdit.show(version.edits.at(position));
   return &m_shownEdit;
+}
+
+Slot *VersionTree::latestOf(const std::vector<Slot *> &slots) const {
+  for (const Version *each = m_shown; each != nullptr; each = each->previous()) {
+    std::size_t first = EditTable::kNone;
+    for (const Slot *slot : slots) {
+      first = std::min(first, each->edits.find(slot));
+    }
+    if (first != EditTable::kNone) {
+      return each->edits.at(first).slot;
+    }
+  }
+  return slots.front();
 }
 
 ModelVersion *VersionTree::getCurrentVersion() const {

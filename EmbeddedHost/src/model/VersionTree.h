@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -20,6 +21,12 @@ struct DestroyedVersion {
   std::int64_t number = 0;
   std::string folder;
   bool isInFile = false; ///< the project's file has a row of it
+};
+
+/// The ends of the chain of versions with one label, in order of creation.
+struct SameLabel {
+  Version *first = nullptr;
+  Version *last = nullptr;
 };
 
 /// The versions of a project. Which of them the model shows is a matter of the edits on the way from the root
@@ -50,6 +57,9 @@ public:
   /// The edit of a slot in a version, or null.
   const EntityModel::EditOperation *showEdit(const Version &version, const EntityModel::Entity *entity,
                                              const EntityModel::AttributePath &path) const;
+
+  /// The slot of which the latest version up to the shown one has an edit; the first when none has.
+  Slot *latestOf(const std::vector<Slot *> &slots) const;
 
   /// Records a value in the current version and shows it. False when no version is current.
   bool record(Slot &slot, Value value);
@@ -115,6 +125,7 @@ private:
   void becomeCurrentIfSo(Version &version, EntityModel::ChangeSet *changes);
   void enterLabel(Version &version);
   void removeLabel(Version &version);
+  void noteFreeLabel(const std::string &label);
   void relabel(Version &version, const std::string &label);
   void destroyAll(const std::vector<Version *> &versions, EntityModel::ChangeSet *changes, bool &destroyed);
   void rank(std::vector<Version *> &members, std::size_t place);
@@ -123,7 +134,11 @@ private:
   Model &m_model;
   std::map<std::int64_t, std::unique_ptr<Version>> m_versions;
   std::unordered_map<const EntityModel::ModelVersion *, Version *> m_own;
-  std::unordered_map<std::string, Version *> m_labels; ///< the first of each label
+  /// Keeps the labels close together, which look-ups in random order are faster for.
+  std::pmr::unsynchronized_pool_resource m_labelMemory;
+  std::pmr::unordered_map<std::string, SameLabel> m_labels{&m_labelMemory};
+  /// For labels of which variations were asked for: all variations with a lower number are taken.
+  mutable std::unordered_map<std::string, std::uint64_t> m_lowestFree;
   Version *m_root = nullptr;
   Version *m_current = nullptr;
   Version *m_shown = nullptr;

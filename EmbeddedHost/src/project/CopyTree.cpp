@@ -1,5 +1,7 @@
 #include "EmbeddedHost/src/project/CopyTree.h"
 
+#include "EmbeddedHost/src/project/CopyProgress.h"
+
 #include <array>
 #include <cerrno>
 #include <linux/fs.h>
@@ -94,20 +96,24 @@ bool copyFile(const Folder &from, const Folder &to, const std::string &name, std
   return true;
 }
 
-bool copyEntries(const Folder &source, const Folder &target, int depth, std::string &problem) {
+bool copyEntries(const Folder &source, const Folder &target, int depth, std::string &problem,
+                 CopyProgress *progress, const std::string &leftOut = {}) {
   std::vector<std::string> names;
   if (isTooDeep(depth, source, problem) || !source.listNames(names, problem)) {
     return false;
   }
   for (const std::string &name : names) {
     const EntryKind kind = source.kindOf(name);
-    if (kind == EntryKind::Other) {
+    if (kind == EntryKind::Other || name == leftOut) {
       continue;
     }
     if (kind != EntryKind::Folder) {
       // What has gone since it was listed, or cannot be looked at, fails there with its reason.
       if (!copyFile(source, target, name, problem)) {
         return false;
+      }
+      if (progress != nullptr) {
+        progress->copiedFile();
       }
       continue;
     }
@@ -117,7 +123,7 @@ bool copyEntries(const Folder &source, const Folder &target, int depth, std::str
       problem = from.isOpen() ? to.problem() : from.problem();
       return false;
     }
-    if (!copyEntries(from, to, depth + 1, problem)) {
+    if (!copyEntries(from, to, depth + 1, problem, progress)) {
       return false;
     }
   }
@@ -159,13 +165,14 @@ bool syncEntries(const Folder &folder, int depth, std::string &problem) {
 
 } // namespace
 
-bool copyTree(const Folder &source, const Folder &target, const std::string &name, std::string &problem) {
+bool copyTree(const Folder &source, const Folder &target, const std::string &name, std::string &problem,
+              CopyProgress *progress, const std::string &leftOut) {
   const Folder made = target.makeNew(name);
   if (!made.isOpen()) {
     problem = made.problem();
     return false;
   }
-  return copyEntries(source, made, 1, problem);
+  return copyEntries(source, made, 1, problem, progress, leftOut);
 }
 
 bool syncTree(const Folder &folder, std::string &problem) {

@@ -1,14 +1,23 @@
 #include "EmbeddedHost/src/project/Database.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <thread>
 
 namespace EmbeddedHost {
 
 namespace {
 
-constexpr int kBusyMilliseconds = 5000;
+// Nobody writes but for a moment.
+constexpr std::chrono::milliseconds kLongestWaitToRead{5000};
+constexpr std::chrono::milliseconds kLongestPause{20};
+
+// What the library says of a locked file leaves open who is meant.
+std::string messageOf(sqlite3 *database, int code) {
+  return (code & 0xFF) == SQLITE_BUSY ? "another program keeps it locked" : sqlite3_errmsg(database);
+}
 
 // As the database wants names of files with options: percent signs for what has a meaning of its own.
 std::string fileUri(const std::string &file, const char *options) {
@@ -54,7 +63,7 @@ Statement::Statement(sqlite3 *database, std::string_view sql) : m_database(datab
 }
 
 void Statement::fail(int code) const {
-  throw DatabaseError(code, sqlite3_errmsg(m_database));
+  throw DatabaseError(code, messageOf(m_database, code));
 }
 
 void Statement::check(int code) const {
@@ -131,7 +140,28 @@ std::string_view Statement::text(int column) const {
              : std::string_view(static_cast<const char *>(bytes), static_cast<std::size_t>(size));
 }
 
-Database::Database(const std::string &file, Access access) {
+int Database::waitForOthers(void *waiting, int attempts) {
+  using std::chrono::steady_clock;
+  Waiting &own = *static_cast<Waiting *>(waiting);
+  if (attempts == 0) {
+    own.since = steady_clock::now();
+  }
+  const std::chrono::milliseconds longest = own.isWriting ? own.longestToWrite : kLongestWaitToRead;
+  const auto left =
+      std::chrono::duration_cast<std::chrono::milliseconds>(own.since + longest - steady_clock::now());
+  if (left.count() <= 0) {
+    return 0;
+  }
+  const std::chrono::milliseconds pause(attempts + 1);
+  std::this_thread::sleep_for(std::min({pause, left, kLongestPause}));
+  return 1;
+}
+
+void Database::setLongestWaitToWrite(std::chrono::milliseconds time) {
+  m_waiting->longestToWrite = time;
+}
+
+Database::Database(const std::string &file, Access access) : m_waiting(std::make_unique<Waiting>()) {
   sqlite3 *database = nullptr;
   const std::string uri = fileUri(file, access == Access::Header ? "?immutable=1" : "");
   const int code = sqlite3_open_v2(uri.c_str(), &database, openFlags(access) | SQLITE_OPEN_URI, nullptr);
@@ -140,7 +170,7 @@ Database::Database(const std::string &file, Access access) {
     throw DatabaseError(code, database == nullptr ? "out of memory" : sqlite3_errmsg(database));
   }
   sqlite3_extended_result_codes(database, 1);
-  sqlite3_busy_timeout(database, kBusyMilliseconds);
+  sqlite3_busy_handler(database, &Database::waitForOthers, m_waiting.get());
   // Nothing that a file brings along is carried out.
   sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -152,17 +182,17 @@ bool Database::isReadOnly() const {
   return sqlite3_db_readonly(m_database.get(), "main") != 0;
 }
 
-bool Database::readStart(unsigned char *bytes, int count) {
+bool Database::readBytes(unsigned char *bytes, int count, std::int64_t offset) {
   sqlite3_file *file = nullptr;
   const int code = sqlite3_file_control(m_database.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
   return code == SQLITE_OK && file != nullptr && file->pMethods != nullptr &&
-         file->pMethods->xRead(file, bytes, count, 0) == SQLITE_OK;
+         file->pMethods->xRead(file, bytes, count, offset) == SQLITE_OK;
 }
 
 void Database::execute(const char *sql) {
   const int code = sqlite3_exec(m_database.get(), sql, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) {
-    throw DatabaseError(code, sqlite3_errmsg(m_database.get()));
+    throw DatabaseError(code, messageOf(m_database.get(), code));
   }
 }
 
@@ -172,7 +202,13 @@ std::int64_t Database::number(std::string_view sql) {
 }
 
 Transaction::Transaction(Database &database) : m_database(database) {
-  m_database.execute("BEGIN IMMEDIATE");
+  m_database.m_waiting->isWriting = true;
+  try {
+    m_database.execute("BEGIN IMMEDIATE");
+  } catch (const DatabaseError &) {
+    m_database.m_waiting->isWriting = false;
+    throw;
+  }
 }
 
 Transaction::~Transaction() {
@@ -183,6 +219,7 @@ Transaction::~Transaction() {
       // The database has undone it already, or does so when the file is opened next.
     }
   }
+  m_database.m_waiting->isWriting = false;
 }
 
 void Transaction::commit() {

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -65,6 +66,10 @@ private:
   std::unique_ptr<sqlite3_stmt, Finalize> m_statement;
 };
 
+/// What is written has to wait for everybody who reads, and whoever opens a large project does so for its whole reading.
+/// Giving up too early would lose the result of a finished solve.
+constexpr std::chrono::milliseconds kLongestWaitToWrite{60000};
+
 /// One connection to a database file.
 class Database {
 public:
@@ -76,18 +81,33 @@ public:
 
   /// Whether the file can only be read, whatever was asked for.
   bool isReadOnly() const;
-  /// Reads the first bytes of the file as they are. \return whether there are so many
-  bool readStart(unsigned char *bytes, int count);
+  /// Reads bytes of the file as they are. \return whether there are so many
+  bool readBytes(unsigned char *bytes, int count, std::int64_t offset);
+  /// How long a Transaction waits for other programs that hold a lock before it fails; it goes on as soon as they let
+  /// go. Whoever reads waits for five seconds, because others write but for a moment.
+  void setLongestWaitToWrite(std::chrono::milliseconds time);
   void execute(const char *sql);
   Statement prepare(std::string_view sql) { return {m_database.get(), sql}; }
   /// The number that a statement without parameters gives, 0 for none.
   std::int64_t number(std::string_view sql);
+  /// For what the database library offers only by connection. Not to be closed.
+  sqlite3 *handle() const { return m_database.get(); }
 
 private:
   struct Close {
     void operator()(sqlite3 *database) const { sqlite3_close_v2(database); }
   };
 
+  friend class Transaction;
+  struct Waiting {
+    std::chrono::milliseconds longestToWrite = kLongestWaitToWrite;
+    bool isWriting = false;
+    std::chrono::steady_clock::time_point since;
+  };
+  // For the database library: 0 when it is to give up.
+  static int waitForOthers(void *waiting, int attempts);
+
+  std::unique_ptr<Waiting> m_waiting;
   std::unique_ptr<sqlite3, Close> m_database;
 };
 

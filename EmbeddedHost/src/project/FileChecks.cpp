@@ -40,6 +40,39 @@ Found lookFor(const std::string &path) {
   return errno == ENOENT || errno == ENOTDIR ? Found::Nothing : Found::SomethingElse;
 }
 
+constexpr std::size_t kFormatOffset = 60;
+constexpr std::size_t kApplicationOffset = 68;
+
+// Whether the file begins as a project does.
+bool readHeader(Database &glance, Header &header) {
+  return glance.readBytes(header.data(), static_cast<int>(header.size()), 0) &&
+         std::memcmp(header.data(), "SQLite format 3", 16) == 0 &&
+         bigEndian(header, kApplicationOffset) == kApplicationId;
+}
+
+// Which version of the program a project takes, if it says so in a form that we understand.
+std::string neededProgram(Database &glance) {
+  constexpr std::size_t kLongest = 20;
+  try {
+    Statement row = glance.prepare("SELECT value FROM property WHERE key = 'needs'");
+    const std::string version = row.step() ? std::string(row.text(0)) : std::string();
+    const bool isReadable =
+        version.size() <= kLongest && version.find_first_not_of("0123456789.") == std::string::npos;
+    return isReadable ? version : std::string();
+  } catch (const DatabaseError &) {
+    return {};
+  }
+}
+
+std::string tooNew(std::int64_t format, const std::string &needed) {
+  const std::string theirs = std::to_string(format);
+  const std::string ours = std::to_string(kFormatVersion);
+  return needed.empty() ? " was written by a newer version of this program: its format is " + theirs +
+                              ", known here is " + ours + "."
+                        : " was made by a newer program: it needs optstudy " + needed + " or later (format " +
+                              theirs + "; this program knows format " + ours + ").";
+}
+
 std::string beside(const std::string &file, const std::string &path, const char *what) {
   return "Beside the project " + file + " lies " + path + ", which " + what;
 }
@@ -56,20 +89,25 @@ std::string checkFile(const std::string &file) {
 
 // The file is read through the database library without locks and journals: a descriptor of our own would, when
 // closed, drop the library's locks on the file.
+std::int64_t formatOf(const std::string &file) {
+  Database glance(file, Database::Access::Header);
+  Header header = {};
+  return readHeader(glance, header) ? bigEndian(header, kFormatOffset) : 0;
+}
+
 std::string checkHeader(const std::string &file) {
   const std::string name = "The file " + file;
   Database glance(file, Database::Access::Header);
   Header header = {};
-  if (!glance.readStart(header.data(), static_cast<int>(header.size())) ||
-      std::memcmp(header.data(), "SQLite format 3", 16) != 0 || bigEndian(header, 68) != kApplicationId) {
+  if (!readHeader(glance, header)) {
     return name + " is no project.";
   }
-  if (bigEndian(header, 60) > kFormatVersion) {
-    return name + " was written by a newer version of this program: its format is " +
-           std::to_string(bigEndian(header, 60)) + ", known here is " + std::to_string(kFormatVersion) + ".";
+  const std::int64_t format = bigEndian(header, kFormatOffset);
+  if (format > kFormatVersion) {
+    return name + tooNew(format, neededProgram(glance));
   }
-  // Neither an older format nor another way of keeping a journal was ever written.
-  if (bigEndian(header, 60) != kFormatVersion || header[18] != 1 || header[19] != 1) {
+  // Neither a format before the first nor another way of keeping a journal was ever written.
+  if (format < 1 || header[18] != 1 || header[19] != 1) {
     return name + " is damaged: its header contradicts itself.";
   }
   return {};

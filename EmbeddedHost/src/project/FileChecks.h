@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace EmbeddedHost {
@@ -11,7 +12,7 @@ namespace EmbeddedHost {
 
 /// Whether there is a file under that name.
 std::string checkFile(const std::string &file);
-/// Whether the file says that it is a project of a known format.
+/// Whether the file says that it is a project of a known format, the present or an older one.
 /// \throws DatabaseError
 std::string checkHeader(const std::string &file);
 /// Whether what lies beside a project can be its own: a journal may, when a program was interrupted while saving.
@@ -19,5 +20,9 @@ std::string checkBesideProject(const std::string &file);
 /// Whether a new project can have that name: what a former one has left there would become part of it.
 std::string checkBesideNewProject(const std::string &file);
 /// @}
+
+/// The format that the header of a project file names; 0 when the file is no project.
+/// \throws DatabaseError
+std::int64_t formatOf(const std::string &file);
 
 } // namespace EmbeddedHost

@@ -24,6 +24,42 @@ bool isStillTheFile(int descriptor, const std::string &path) {
          held.st_dev == named.st_dev;
 }
 
+std::string whyNotOpened(const std::string &file, const std::string &path, int error) {
+  switch (error) {
+  case ELOOP:
+  case EISDIR:
+  case ENXIO:
+    return "The lock file " + path + " is no file of its own; move it away.";
+  case EROFS:
+  case EACCES:
+  case EPERM:
+    return "The project " + file + " can be opened for reading only: its lock file " + path +
+           " cannot be written: " + systemReason(error) + ".";
+  default:
+    return "The lock file " + path + " cannot be opened: " + systemReason(error) + ".";
+  }
+}
+
+// A pipe or a device would reach somebody, and under a second name the content may be of use to somebody.
+bool isFileOfItsOwn(int descriptor) {
+  struct stat status = {};
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink < 2;
+}
+
+// Under each of its names a file would have another lock and another journal. (A folder, which is locked in the same
+// way, has several names by nature.)
+std::string checkNames(const std::string &file) {
+  struct stat status = {};
+  if (stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink < 2) {
+    return {};
+  }
+  return "The project " + file + " can be opened for reading only: it has " +
+         std::to_string(status.st_nlink) +
+         " names (hard links), and a program that used another one would not see that it is open here. "
+         "Remove the "
+         "other names, or work on a copy.";
+}
+
 std::string holder(int descriptor) {
   char text[128] = {};
   const ssize_t size = pread(descriptor, text, sizeof text - 1, 0);
@@ -56,7 +92,12 @@ std::unique_ptr<FileLock> FileLock::acquire(const std::string &file, std::string
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
     if (descriptor < 0) {
-      problem = "The lock file " + path + " cannot be opened: " + systemReason(errno) + ".";
+      problem = whyNotOpened(file, path, errno);
+      return nullptr;
+    }
+    if (!isFileOfItsOwn(descriptor)) {
+      problem = whyNotOpened(file, path, ENXIO);
+      close(descriptor);
       return nullptr;
     }
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
@@ -70,7 +111,9 @@ std::unique_ptr<FileLock> FileLock::acquire(const std::string &file, std::string
     }
     if (isStillTheFile(descriptor, path)) {
       nameHolder(descriptor);
-      return std::unique_ptr<FileLock>(new FileLock(descriptor, path));
+      std::unique_ptr<FileLock> lock(new FileLock(descriptor, path));
+      problem = checkNames(file);
+      return problem.empty() ? std::move(lock) : nullptr;
     }
     close(descriptor);
   }

@@ -10,7 +10,8 @@ namespace EmbeddedHost {
 class FileLock {
 public:
   /// \param file  the file to be locked; a file with ".lock" added to its name stands for it
-  /// \return null with one sentence in \p problem, which names the holder where another one has the lock
+  /// \return null with one sentence in \p problem, which names the holder where another one has the lock, and says so
+  ///         where the file can be opened for reading all the same; never waits
   static std::unique_ptr<FileLock> acquire(const std::string &file, std::string &problem);
   FileLock(const FileLock &) = delete;
   FileLock &operator=(const FileLock &) = delete;

@@ -292,4 +292,13 @@ bool Folder::sync(std::string &problem) const {
   return true;
 }
 
+bool Folder::syncFileSystem(std::string &problem) const {
+  const FileDescriptor folder(openat(m_descriptor.get(), ".", kListFlags));
+  if (!folder.isOpen() || syncfs(folder.get()) != 0) {
+    problem = pathProblem(m_path, "written to the disk", errno);
+    return false;
+  }
+  return true;
+}
+
 } // namespace EmbeddedHost

@@ -68,6 +68,8 @@ public:
   void removeIfEmpty(const std::string &name) const;
   /// Writes the list of names to the disk, not what they stand for.
   bool sync(std::string &problem) const;
+  /// Writes everything on the file system that the folder is on to the disk.
+  bool syncFileSystem(std::string &problem) const;
 
 private:
   Folder openNoLink(const std::string &name) const;

@@ -70,8 +70,13 @@ struct ValueBinder {
 
 void createTables(Database &database) {
   database.execute(kTables);
+  putNeededProgram(database);
   database.execute(("PRAGMA application_id = " + std::to_string(kApplicationId)).c_str());
   database.execute(("PRAGMA user_version = " + std::to_string(kFormatVersion)).c_str());
+}
+
+void putNeededProgram(Database &database) {
+  database.prepare("INSERT OR REPLACE INTO property VALUES ('needs', ?)").bindText(1, kNeededProgram).run();
 }
 
 TextTable::TextTable(Database &database) : m_database(database) {}

@@ -17,13 +17,18 @@ class Model;
 
 /// Marks a file as a project of this program.
 constexpr std::int64_t kApplicationId = 0x4F537479;
-/// The only layout of the tables that there is.
-constexpr std::int64_t kFormatVersion = 1;
+/// The present layout of the tables. Files of older ones are brought to it, see Migrations.h.
+constexpr std::int64_t kFormatVersion = 2;
+/// The oldest version of the program that can read the present format. Every file says it, so that an older program can
+/// name what it takes.
+constexpr const char *kNeededProgram = "0.1";
 /// Stands for the version in rows of values that belong to the project as a whole.
 constexpr std::int64_t kProjectLevel = 0;
 
 /// Makes the tables in an empty database, in a transaction of the caller.
 void createTables(Database &database);
+/// Notes which version of the program can read the file.
+void putNeededProgram(Database &database);
 
 /// The numbers that stand for texts (paths and units) in rows of values.
 class TextTable {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace EmbeddedHost {
 
@@ -31,6 +32,8 @@ struct Project::Parts {
   bool isReadOnly = false;
   /// Runs of versions of a project without file, by the number of the version.
   std::unordered_map<std::int64_t, RunRecord> runs;
+  /// Versions whose runs were begun or recorded here, and not by a program that has ended since.
+  std::unordered_set<std::int64_t> begunRuns;
 };
 
 } // namespace EmbeddedHost

@@ -42,45 +42,45 @@ bool valueOf(const Slot &slot, const std::optional<double> &number, Value &value
   return !(isChoice || isBoolean) || (whole >= (isChoice ? 1 : 0) && whole <= highest);
 }
 
-} // namespace
+// What a run that begins is stored with, whatever the caller had in mind for its end.
+RunRecord begun(const RunRecord &record) {
+  RunRecord running = record;
+  running.status = RunStatus::Running;
+  running.reason.clear();
+  running.exitCode.reset();
+  return running;
+}
 
-RunRecord Project::runRecord(const EntityModel::ModelVersion &version) const {
-  const Version *known = m_parts->model.tree().own(&version);
-  if (known == nullptr) {
-    return {};
-  }
-  if (m_parts->file == nullptr) {
-    const auto found = m_parts->runs.find(known->number());
-    return found == m_parts->runs.end() ? RunRecord() : found->second;
-  }
+// Whether the file knows the entity, which may have got another name since.
+bool hasEntity(Database &database, std::int64_t number) {
   try {
-    Statement row = m_parts->file->database().prepare(
-        "SELECT status, reason, keys, started_at, duration, command, exit_code, solver_version, log_tail "
-        "FROM run WHERE version = ?");
-    row.bind(1, known->number());
-    return row.step() ? readRun(row, 0) : RunRecord();
+    return database.prepare("SELECT 1 FROM entity WHERE number = ?").bind(1, number).step();
   } catch (const DatabaseError &) {
-    // A record that cannot be read is as good as none: the version is solved again.
-    return {};
+    return false;
   }
 }
 
-bool Project::recordRun(EntityModel::ModelVersion &version, const RunRecord &record,
-                        const std::vector<ResultValue> &results, std::string &problem) {
-  problem.clear();
-  Parts &own = *m_parts;
-  Version *known = own.model.tree().own(&version);
-  if (known == nullptr) {
-    problem = "There is no such version.";
-    return false;
+RunRecord lost(RunRecord record) {
+  record.status = RunStatus::Failed;
+  record.reason = kLostRun;
+  return record;
+}
+
+std::string whyNotStored(const Project::Parts &own, const Version *version) {
+  if (version == nullptr) {
+    return "There is no such version.";
   }
-  if (own.file != nullptr && (own.isReadOnly || !known->isInFile)) {
-    problem = own.isReadOnly
-                  ? "The project " + own.filePath + " was opened for reading only."
-                  : "The version \"" + known->getLabel() + "\" has to be saved before it is solved.";
-    return false;
+  if (own.file != nullptr && own.isReadOnly) {
+    return "The project " + own.filePath + " was opened for reading only.";
   }
-  std::vector<SlotResult> values;
+  if (own.file != nullptr && !version->isInFile) {
+    return "The version \"" + version->getLabel() + "\" has to be saved before it is solved.";
+  }
+  return {};
+}
+
+bool findSlots(Project::Parts &own, const std::vector<ResultValue> &results, std::vector<SlotResult> &values,
+               std::string &problem) {
   values.reserve(results.size());
   for (const ResultValue &result : results) {
     ModelEntity *entity = ModelEntity::from(result.entity, own.model);
@@ -90,43 +90,113 @@ bool Project::recordRun(EntityModel::ModelVersion &version, const RunRecord &rec
       problem = "The result " + result.path.toString('.') + " is no number that can be stored.";
       return false;
     }
-    if (own.file != nullptr && own.model.unsavedEntities().count(entity) != 0) {
+    if (own.file != nullptr && own.model.unsavedEntities().count(entity) != 0 &&
+        !hasEntity(own.file->database(), entity->number())) {
       problem = "The entity \"" + entity->name() + "\" has to be saved before its results are.";
       return false;
     }
     values.push_back(std::move(value));
   }
+  return true;
+}
 
-  if (own.file == nullptr) {
-    own.runs[known->number()] = record;
-  } else {
-    if (!syncVersionFolder(own.filePath, known->folder())) {
-      problem = "The files of the version \"" + known->getLabel() + "\" cannot be written to the disk: " +
-                versionFolderPath(own.filePath, known->folder(), false) + ".";
-      return false;
-    }
-    const bool isStored = own.file->change(
-        [&](Database &database, TextTable &texts) {
-          ProjectWriter writer(database, texts);
-          writer.putRun(known->number(), record);
-          for (const SlotResult &value : values) {
-            writer.putValue(known->number(), *value.slot, value.value);
-          }
-        },
-        problem);
-    if (!isStored) {
-      return false;
-    }
+// What a record says about files must be true of the disk before the record is there.
+bool syncFiles(Project::Parts &own, const Version &version, std::string &problem) {
+  std::string reason;
+  if (!syncVersionFolder(own.filePath, version.folder(), reason)) {
+    problem =
+        "The files of the version \"" + version.getLabel() + "\" cannot be written to the disk: " + reason;
+    return false;
   }
+  return own.stores.syncCopies(problem);
+}
+
+// One transaction of its own, with nothing else in it.
+bool store(Project::Parts &own, const Version &version, const RunRecord &record,
+           const std::vector<SlotResult> &values, std::string &problem) {
+  return own.file->change(
+      [&](Database &database, TextTable &texts) {
+        ProjectWriter writer(database, texts);
+        writer.putRun(version.number(), record);
+        for (const SlotResult &value : values) {
+          writer.putValue(version.number(), *value.slot, value.value);
+        }
+      },
+      problem);
+}
+
+void show(Project::Parts &own, Version &version, std::vector<SlotResult> values) {
   const bool neededSave = own.model.needsSave;
   for (SlotResult &value : values) {
-    own.model.setValueIn(*known, *value.slot, std::move(value.value));
+    own.model.setValueIn(version, *value.slot, std::move(value.value));
     if (own.file != nullptr) {
-      own.model.tree().markEditSaved(*known, *value.slot);
+      own.model.tree().markEditSaved(version, *value.slot);
     }
   }
   own.model.needsSave = neededSave || own.file == nullptr;
+}
+
+enum class Files { AreSynced, AreLeftAlone };
+
+bool putRun(Project::Parts &own, Version *version, const RunRecord &record,
+            const std::vector<ResultValue> &results, Files files, std::string &problem) {
+  problem = whyNotStored(own, version);
+  std::vector<SlotResult> values;
+  if (!problem.empty() || !findSlots(own, results, values, problem)) {
+    return false;
+  }
+  if (own.file == nullptr) {
+    own.runs[version->number()] = record;
+  } else if ((files == Files::AreSynced && !syncFiles(own, *version, problem)) ||
+             !store(own, *version, record, values, problem)) {
+    return false;
+  }
+  own.begunRuns.insert(version->number());
+  show(own, *version, std::move(values));
   return true;
+}
+
+} // namespace
+
+RunRecord Project::runRecord(const EntityModel::ModelVersion &version) const {
+  const Parts &own = *m_parts;
+  const Version *known = own.model.tree().own(&version);
+  if (known == nullptr) {
+    return {};
+  }
+  if (own.file == nullptr) {
+    const auto found = own.runs.find(known->number());
+    return found == own.runs.end() ? RunRecord() : found->second;
+  }
+  try {
+    Statement row = own.file->database().prepare(
+        "SELECT status, reason, keys, started_at, duration, command, exit_code, solver_version, log_tail "
+        "FROM run WHERE version = ?");
+    row.bind(1, known->number());
+    RunRecord record = row.step() ? readRun(row, 0) : RunRecord();
+    // Only one program writes at a time, so a run that this one did not begin has nobody left to finish it.
+    const bool isLost =
+        record.status == RunStatus::Running && !own.isReadOnly && own.begunRuns.count(known->number()) == 0;
+    return isLost ? lost(std::move(record)) : record;
+  } catch (const DatabaseError &) {
+    // A record that cannot be read is as good as none: the version is solved again.
+    return {};
+  }
+}
+
+bool Project::beginRun(EntityModel::ModelVersion &version, const RunRecord &record,
+                       const std::vector<ResultValue> &results, std::string &problem) {
+  std::vector<ResultValue> unset = results;
+  for (ResultValue &result : unset) {
+    result.value.reset();
+  }
+  return putRun(*m_parts, m_parts->model.tree().own(&version), begun(record), unset, Files::AreLeftAlone,
+                problem);
+}
+
+bool Project::recordRun(EntityModel::ModelVersion &version, const RunRecord &record,
+                        const std::vector<ResultValue> &results, std::string &problem) {
+  return putRun(*m_parts, m_parts->model.tree().own(&version), record, results, Files::AreSynced, problem);
 }
 
 } // namespace EmbeddedHost

@@ -1,6 +1,4 @@
 #include "EmbeddedHost/Project.h"
-#include "EmbeddedHost/SystemReason.h"
-#include "EmbeddedHost/src/project/FileChecks.h"
 #include "EmbeddedHost/src/project/ProjectParts.h"
 #include "EmbeddedHost/src/project/ProjectReader.h"
 #include "EmbeddedHost/src/project/ProjectWriter.h"
@@ -22,7 +20,8 @@ void Project::Parts::attach(std::unique_ptr<ProjectFile> opened) {
 
 void Project::Parts::removeDestroyedFolders() {
   for (const DestroyedVersion &destroyed : model.tree().destroyed()) {
-    removeVersionFolder(filePath, destroyed.folder);
+    std::string ignored; // what stays is noted in the file and removed when the project is opened next
+    removeVersionFolder(filePath, destroyed.folder, ignored);
   }
 }
 
@@ -56,7 +55,8 @@ void removeLeftFolders(ProjectFile &file) {
     return;
   }
   for (const std::string &folder : folders) {
-    removeVersionFolder(file.path(), folder);
+    std::string ignored; // what stays is tried again at the next opening
+    removeVersionFolder(file.path(), folder, ignored);
   }
   std::string problem;
   // What cannot be noted as removed now is removed again the next time.
@@ -71,15 +71,6 @@ bool hasChanges(ProjectFile &file, const Model &model) {
     return ProjectWriter(file.database(), file.texts()).hasChanges(model);
   } catch (const DatabaseError &) {
     return true;
-  }
-}
-
-void copyRuns(Database &from, ProjectWriter &to) {
-  Statement rows =
-      from.prepare("SELECT version, status, reason, keys, started_at, duration, command, exit_code, "
-                   "solver_version, log_tail FROM run");
-  while (rows.step()) {
-    to.putRun(rows.integer(0), readRun(rows, 1));
   }
 }
 
@@ -99,7 +90,8 @@ std::unique_ptr<Project> Project::open(const std::string &file, OpenMode mode, s
     parts->isReadOnly = mode == OpenMode::ReadOnly;
     if (!parts->isReadOnly) {
       removeLeftFolders(*opened);
-      removeUnfinishedCopies(opened->path());
+      std::string ignored; // what stays is tried again at the next opening
+      removeUnfinishedCopies(opened->path(), ignored);
     }
     parts->attach(std::move(opened));
     return std::unique_ptr<Project>(new Project(std::move(parts)));
@@ -121,15 +113,16 @@ Project::~Project() {
   if (m_parts->file == nullptr || m_parts->isReadOnly) {
     return;
   }
-  // Nobody will know the folders of versions that were never saved.
+  // Nobody will know the folders of versions that were never saved, nor be there to be told that one stays.
+  std::string ignored;
   for (const Version *version : m_parts->model.tree().unsaved()) {
     if (!version->isInFile) {
-      removeVersionFolder(m_parts->filePath, version->folder());
+      removeVersionFolder(m_parts->filePath, version->folder(), ignored);
     }
   }
   for (const DestroyedVersion &destroyed : m_parts->model.tree().destroyed()) {
     if (!destroyed.isInFile) {
-      removeVersionFolder(m_parts->filePath, destroyed.folder);
+      removeVersionFolder(m_parts->filePath, destroyed.folder, ignored);
     }
   }
 }
@@ -145,6 +138,9 @@ bool Project::save(std::string &problem) {
     problem = "The project " + own.filePath + " was opened for reading only.";
     return false;
   }
+  if (!own.stores.syncCopies(problem)) {
+    return false;
+  }
   const bool isSaved =
       !hasChanges(*own.file, own.model) || own.file->change(
                                                [&own](Database &database, TextTable &texts) {
@@ -157,84 +153,6 @@ bool Project::save(std::string &problem) {
     own.model.forgetUnsaved();
   }
   return isSaved;
-}
-
-bool Project::saveAs(const std::string &file, std::string &problem) {
-  problem.clear();
-  Parts &own = *m_parts;
-  std::error_code error;
-  const fs::path absolute = fs::absolute(file, error);
-  fs::path folder;
-  if (!error) {
-    folder = fs::canonical(absolute.parent_path(), error);
-  }
-  if (error) {
-    problem = "The folder of " + file + " cannot be used: " + systemReason(error.value()) + ".";
-    return false;
-  }
-  const std::string path = (folder / absolute.filename()).string();
-  const fs::file_type present = fs::symlink_status(path, error).type();
-  if (present != fs::file_type::not_found) {
-    problem = present == fs::file_type::none
-                  ? "The project " + file + " cannot be made: " + systemReason(error.value()) + "."
-                  : "There is a file " + file + " already.";
-    return false;
-  }
-  problem = checkBesideNewProject(path);
-  if (!problem.empty()) {
-    return false;
-  }
-  const std::string results = resultsFolder(path);
-  if (own.file != nullptr && results == resultsFolder(own.filePath)) {
-    problem = "Two projects cannot share the results folder " + results + "; choose another name.";
-    return false;
-  }
-  if (fs::exists(fs::symlink_status(results, error))) {
-    problem = "There is a results folder " + results + " of another project already.";
-    return false;
-  }
-  // The results first: a project file without its results would be a loss, results without their project are not.
-  bool areCopied = true;
-  if (own.file != nullptr) {
-    for (const auto &[number, version] : own.model.tree().versions()) {
-      const std::string source = versionFolderPath(own.filePath, version->folder(), false);
-      if (areCopied && fs::is_directory(fs::symlink_status(source, error))) {
-        fs::create_directory(results, error);
-        const std::string target = versionFolderPath(path, version->folder(), false);
-        areCopied =
-            copyFolder(source, target, results + "/unfinished") && syncVersionFolder(path, version->folder());
-      }
-    }
-  }
-  std::unique_ptr<ProjectFile> created;
-  if (areCopied) {
-    created = ProjectFile::create(
-        path,
-        [&own](Database &database, TextTable &texts) {
-          ProjectWriter writer(database, texts);
-          writer.writeAll(own.model);
-          if (own.file != nullptr) {
-            copyRuns(own.file->database(), writer);
-          }
-          for (const auto &[number, record] : own.runs) {
-            writer.putRun(number, record);
-          }
-          // Of versions that were destroyed in the meantime.
-          database.execute("DELETE FROM run WHERE version NOT IN (SELECT number FROM version)");
-        },
-        problem);
-  } else {
-    problem = "The results folders cannot be copied to " + results + ".";
-  }
-  if (created == nullptr) {
-    fs::remove_all(results, error);
-    return false;
-  }
-  own.attach(std::move(created));
-  own.isReadOnly = false;
-  own.runs.clear();
-  own.model.forgetUnsaved();
-  return true;
 }
 
 std::string Project::versionFolder(EntityModel::ModelVersion &version, bool create) {

@@ -108,13 +108,13 @@ bool removeThroughUnfinished(const Folder &results, const std::string &name, std
 }
 
 bool copyThroughUnfinished(const Folder &source, const Folder &results, const std::string &name,
-                           std::string &problem) {
+                           CopyProgress *progress, std::string &problem) {
   const Work work(results);
   const std::string arriving = newFolderName();
   if (!work.isOpen(problem)) {
     return false;
   }
-  const bool isDone = copyTree(source, work.folder(), arriving, problem) &&
+  const bool isDone = copyTree(source, work.folder(), arriving, problem, progress) &&
                       putInPlace(work.folder(), arriving, results, name, problem);
   if (!isDone) {
     discard(work.folder(), arriving);

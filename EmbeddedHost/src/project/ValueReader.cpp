@@ -12,14 +12,14 @@ namespace EmbeddedHost {
 TextReader::TextReader(Database &database) {
   Statement rows = database.prepare("SELECT number, text FROM text");
   while (rows.step()) {
-    m_texts.emplace(rows.integer(0), Entry{std::string(rows.text(1)), {}, nullptr});
+    m_texts.emplace(rows.integer(0), Entry{std::string(rows.text(1)), {}, nullptr, nullptr});
   }
   for (auto &[number, entry] : m_texts) {
     entry.path = EntityModel::AttributePath(entry.text);
   }
 }
 
-const Unit &TextReader::unit(std::int64_t number) {
+const Unit &TextReader::unit(std::int64_t number, const Unit &standard) {
   Entry &entry = find(number);
   if (entry.unit == nullptr) {
     const UnitResult result = UnitSystem::process().parse(entry.text);
@@ -27,6 +27,12 @@ const Unit &TextReader::unit(std::int64_t number) {
       throw DamagedProject("a value whose unit cannot be read: " + result.problem);
     }
     entry.unit = result.unit;
+  }
+  if (entry.standard != &standard) {
+    if (!UnitSystem::process().areConvertible(*entry.unit, standard)) {
+      throw DamagedProject("a value in a unit of another quantity");
+    }
+    entry.standard = &standard;
   }
   return *entry.unit;
 }
@@ -87,11 +93,11 @@ Value ValueReader::read(const Statement &row, int column, const Slot &slot) {
   case MemberKind::TypeReference:
     return readType(row, column, slot);
   case MemberKind::EntityLink:
-    return readLink(row, column);
+    return readLink(row, column, slot);
   case MemberKind::AttributeReference:
     return readReference(row, column);
   case MemberKind::EntityList:
-    return readList(row.text(column));
+    return readList(row.text(column), slot);
   case MemberKind::Composite:
     break;
   }
@@ -106,18 +112,25 @@ Value ValueReader::readReal(const Statement &row, int column, const Slot &slot) 
   }
   RealValue real{row.real(column), nullptr};
   if (slot.member->standard != nullptr && !row.isNull(column + 1)) {
-    real.unit = &m_texts.unit(row.integer(column + 1));
-    if (!UnitSystem::process().areConvertible(*real.unit, *slot.member->standard)) {
-      throw DamagedProject("a value in a unit of another quantity");
-    }
+    real.unit = &m_texts.unit(row.integer(column + 1), *slot.member->standard);
   }
   return real;
 }
 
 // An entity that was deleted is no damage: a link to it is empty.
-Value ValueReader::readLink(const Statement &row, int column) const {
+Value ValueReader::readLink(const Statement &row, int column, const Slot &slot) const {
   ModelEntity *entity = m_model.findEntity(wholeNumber(row, column));
-  return entity == nullptr ? Value() : Value(LinkValue{entity, row.integer(column + 1) != 0});
+  return entity == nullptr ? Value() : Value(checked({entity, row.integer(column + 1) != 0}, slot));
+}
+
+// Entities that own each other in a circle are no damage: two versions may each have moved one into the other.
+LinkValue ValueReader::checked(LinkValue link, const Slot &slot) const {
+  const bool mayBeOwned =
+      link.entity != &m_model.root() && link.entity->isProjectLevel() == Model::isProjectLevel(slot);
+  if (link.isOwned && !mayBeOwned) {
+    throw DamagedProject("an owner of an entity that it cannot own");
+  }
+  return link;
 }
 
 Value ValueReader::readReference(const Statement &row, int column) const {
@@ -129,7 +142,7 @@ Value ValueReader::readReference(const Statement &row, int column) const {
       AttributeTarget{entity, EntityModel::AttributePath(std::string(row.text(column)))});
 }
 
-Value ValueReader::readList(std::string_view text) const {
+Value ValueReader::readList(std::string_view text, const Slot &slot) const {
   auto list = std::make_shared<ListContent>();
   while (!text.empty()) {
     const std::size_t end = text.find_first_of("+-");
@@ -139,7 +152,7 @@ Value ValueReader::readList(std::string_view text) const {
       throw DamagedProject("a list that cannot be read");
     }
     if (ModelEntity *entity = m_model.findEntity(*number)) {
-      list->elements.push_back({entity, text[end] == '+'});
+      list->elements.push_back(checked({entity, text[end] == '+'}, slot));
     }
     text.remove_prefix(end + 1);
   }

@@ -20,14 +20,16 @@ public:
 
   /// \throws DamagedProject  there is no such text
   const EntityModel::AttributePath &path(std::int64_t number) { return find(number).path; }
-  /// \throws DamagedProject  there is no such text, or it is no unit
-  const Unit &unit(std::int64_t number);
+  /// \param standard  what values in the unit are to be converted to
+  /// \throws DamagedProject  there is no such text, or it is no unit, or one of another quantity
+  const Unit &unit(std::int64_t number, const Unit &standard);
 
 private:
   struct Entry {
     std::string text;
     EntityModel::AttributePath path;
     const Unit *unit = nullptr;
+    const Unit *standard = nullptr; ///< the last one that the unit was found to be convertible to
   };
 
   Entry &find(std::int64_t number);
@@ -46,9 +48,10 @@ public:
 
 private:
   Value readReal(const Statement &row, int column, const Slot &slot);
-  Value readLink(const Statement &row, int column) const;
+  Value readLink(const Statement &row, int column, const Slot &slot) const;
   Value readReference(const Statement &row, int column) const;
-  Value readList(std::string_view text) const;
+  Value readList(std::string_view text, const Slot &slot) const;
+  LinkValue checked(LinkValue link, const Slot &slot) const;
 
   const Model &m_model;
   TextReader &m_texts;

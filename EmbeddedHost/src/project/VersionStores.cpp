@@ -1,5 +1,6 @@
 #include "EmbeddedHost/src/project/VersionStores.h"
 
+#include "EmbeddedHost/src/project/CopyProgress.h"
 #include "EmbeddedHost/src/project/CopyTree.h"
 #include "EmbeddedHost/src/project/FolderName.h"
 #include "EmbeddedHost/src/project/FolderTree.h"
@@ -8,6 +9,7 @@
 #include <filesystem>
 #include <optional>
 #include <stdio.h>
+#include <utility>
 
 namespace EmbeddedHost {
 
@@ -51,9 +53,16 @@ bool isUsable(const Folder &folder, std::string &problem) {
   return folder.isOpen();
 }
 
+struct CopyOrder {
+  bool isMove = false;
+  bool overwrites = false;
+  Tools::ToolProgress *progress = nullptr;
+};
+
+// Whether the content is in its new place.
 bool copyOrMove(const Folder &fromResults, const std::string &from, const Folder &toResults,
-                const std::string &to, bool move, std::string &problem) {
-  if (move && fromResults.sharesFileSystem(toResults)) {
+                const std::string &to, const CopyOrder &order, std::string &problem) {
+  if (order.isMove && fromResults.sharesFileSystem(toResults)) {
     return moveThroughUnfinished(fromResults, from, toResults, to, problem);
   }
   const Folder source = fromResults.open(from);
@@ -61,12 +70,16 @@ bool copyOrMove(const Folder &fromResults, const std::string &from, const Folder
     problem = source.problem();
     return false;
   }
-  return copyThroughUnfinished(source, toResults, to, problem) &&
-         (!move || removeThroughUnfinished(fromResults, from, problem));
+  if (order.progress == nullptr) {
+    return copyThroughUnfinished(source, toResults, to, nullptr, problem);
+  }
+  CopyProgress progress(*order.progress, source);
+  return copyThroughUnfinished(source, toResults, to, &progress, problem);
 }
 
-bool copyStore(const StoreLocation &source, const StoreLocation &target, bool move, bool overwrite,
-               std::string &problem) {
+// \param placed  receives the results folder of the target when there is new content in it
+bool copyStore(const StoreLocation &source, const StoreLocation &target, const CopyOrder &order,
+               Folder &placed, std::string &problem) {
   const std::optional<std::string> from = folderNameOf(source);
   const std::optional<std::string> to = folderNameOf(target);
   if (!from.has_value() || !to.has_value()) {
@@ -84,7 +97,7 @@ bool copyStore(const StoreLocation &source, const StoreLocation &target, bool mo
   if (!isUsable(fromFolder, problem)) {
     return problem.empty();
   }
-  const Folder toResults = openResults(target.projectFile, true);
+  Folder toResults = openResults(target.projectFile, true);
   if (!toResults.isOpen()) {
     problem = toResults.problem();
     return false;
@@ -95,11 +108,16 @@ bool copyStore(const StoreLocation &source, const StoreLocation &target, bool mo
   if (!restoreSetAside(toResults, *to, problem)) {
     return false;
   }
-  if (!overwrite && toResults.kindOf(*to) != EntryKind::Absent) {
+  if (!order.overwrites && toResults.kindOf(*to) != EntryKind::Absent) {
     problem = "There are results in " + toResults.pathOf(*to) + " already.";
     return false;
   }
-  return copyOrMove(fromResults, *from, toResults, *to, move, problem);
+  if (!copyOrMove(fromResults, *from, toResults, *to, order, problem)) {
+    return false;
+  }
+  const bool isLeft = order.isMove && !fromResults.sharesFileSystem(toResults);
+  placed = std::move(toResults);
+  return !isLeft || removeThroughUnfinished(fromResults, *from, problem);
 }
 
 bool renameVersionFolder(const std::string &from, const std::string &to, std::string &problem) {
@@ -129,6 +147,10 @@ std::string resultsFolder(const std::string &projectFile) {
   return (file.parent_path() / (file.stem().string() + ".results")).string();
 }
 
+Folder openResultsFolder(const std::string &projectFile) {
+  return openResults(projectFile);
+}
+
 std::string versionFolderPath(const std::string &projectFile, const std::string &folderName, bool create) {
   if (!isFolderName(folderName)) {
     return {};
@@ -155,60 +177,9 @@ bool removeVersionFolder(const std::string &projectFile, const std::string &fold
   return removeThroughUnfinished(results, folderName, problem);
 }
 
-bool removeVersionFolder(const std::string &projectFile, const std::string &folderName) {
-  std::string ignored;
-  return removeVersionFolder(projectFile, folderName, ignored);
-}
-
-bool copyFolder(const std::string &from, const std::string &to, const std::string &workFolder,
-                std::string &problem) {
-  const fs::path source(from);
-  const fs::path target(to);
-  const fs::path work(workFolder);
-  const Folder fromResults = folderAt(source.parent_path(), false);
-  if (!fromResults.isOpen()) {
-    problem = fromResults.problem();
-    return false;
-  }
-  const Folder fromFolder = fromResults.open(source.filename().string());
-  const Folder toResults = folderAt(target.parent_path(), false);
-  const Folder workParent = folderAt(work.parent_path(), false);
-  for (const Folder *folder : {&fromFolder, &toResults, &workParent}) {
-    if (!folder->isOpen()) {
-      problem = folder->problem();
-      return false;
-    }
-  }
-  const Folder unfinished = workParent.make(work.filename().string());
-  if (!unfinished.isOpen()) {
-    problem = unfinished.problem();
-    return false;
-  }
-  const std::string arriving = newFolderName();
-  const bool isCopied =
-      copyTree(fromFolder, unfinished, arriving, problem) &&
-      unfinished.rename(arriving, toResults, target.filename().string(), RENAME_NOREPLACE, problem);
-  if (!isCopied) {
-    std::string ignored;
-    unfinished.remove(arriving, ignored);
-  }
-  workParent.removeIfEmpty(work.filename().string());
-  return isCopied;
-}
-
-bool copyFolder(const std::string &from, const std::string &to, const std::string &workFolder) {
-  std::string ignored;
-  return copyFolder(from, to, workFolder, ignored);
-}
-
 bool removeUnfinishedCopies(const std::string &projectFile, std::string &problem) {
   const Folder results = openResults(projectFile);
   return isUsable(results, problem) ? clearUnfinished(results, problem) : problem.empty();
-}
-
-bool removeUnfinishedCopies(const std::string &projectFile) {
-  std::string ignored;
-  return removeUnfinishedCopies(projectFile, ignored);
 }
 
 bool syncVersionFolder(const std::string &projectFile, const std::string &folderName, std::string &problem) {
@@ -230,11 +201,6 @@ bool syncVersionFolder(const std::string &projectFile, const std::string &folder
     return false;
   }
   return syncTree(folder, problem) && results.sync(problem) && above.sync(problem);
-}
-
-bool syncVersionFolder(const std::string &projectFile, const std::string &folderName) {
-  std::string ignored;
-  return syncVersionFolder(projectFile, folderName, ignored);
 }
 
 VersionStores::~VersionStores() = default;
@@ -262,9 +228,33 @@ bool VersionStores::remove(const StoreLocation &store) {
 }
 
 bool VersionStores::copyResults(const StoreLocation &source, const StoreLocation &target, bool move,
-                                Tools::ToolProgress * /*progress*/, bool overwrite) {
+                                Tools::ToolProgress *progress, bool overwrite) {
   m_lastProblem.clear();
-  return noted(copyStore(source, target, move, overwrite, m_lastProblem));
+  Folder placed;
+  const bool isDone = copyStore(source, target, {move, overwrite, progress}, placed, m_lastProblem);
+  if (placed.isOpen()) {
+    noteUnsynced(std::move(placed));
+  }
+  return noted(isDone);
+}
+
+void VersionStores::noteUnsynced(Folder results) {
+  for (const Folder &other : m_unsynced) {
+    if (other.sharesFileSystem(results)) {
+      return;
+    }
+  }
+  m_unsynced.push_back(std::move(results));
+}
+
+bool VersionStores::syncCopies(std::string &problem) {
+  while (!m_unsynced.empty()) {
+    if (!m_unsynced.back().syncFileSystem(problem)) {
+      return false;
+    }
+    m_unsynced.pop_back();
+  }
+  return true;
 }
 
 bool VersionStores::rename(const std::string &from, const std::string &to) {

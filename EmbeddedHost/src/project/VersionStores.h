@@ -1,8 +1,10 @@
 #pragma once
 
+#include "EmbeddedHost/src/project/FolderTree.h"
 #include "HostModel/ProjectStore.h"
 
 #include <string>
+#include <vector>
 
 namespace EmbeddedHost {
 
@@ -12,6 +14,8 @@ namespace EmbeddedHost {
 
 /// The folder that holds the versions' folders of a project.
 std::string resultsFolder(const std::string &projectFile);
+/// That folder, held open.
+Folder openResultsFolder(const std::string &projectFile);
 /// The folder of one version.
 /// \param create  make it when it does not exist
 /// \return "" when a folder was to be made and could not be, or when anything but a folder stands in its place
@@ -20,19 +24,10 @@ std::string versionFolderPath(const std::string &projectFile, const std::string 
 /// is when the project is opened next.
 /// \return whether all of it is gone
 bool removeVersionFolder(const std::string &projectFile, const std::string &folderName, std::string &problem);
-bool removeVersionFolder(const std::string &projectFile, const std::string &folderName);
-/// Copies a version's folder into a place that must be free. It appears there whole or not at all. Regular files and folders are
-/// copied; links, pipes and devices are left out.
-/// \param workFolder  on the same file system, for what is not finished yet; removed at the end unless others use it
-bool copyFolder(const std::string &from, const std::string &to, const std::string &workFolder,
-                std::string &problem);
-bool copyFolder(const std::string &from, const std::string &to, const std::string &workFolder);
 /// Puts right what an interrupted copy or removal has left behind.
 bool removeUnfinishedCopies(const std::string &projectFile, std::string &problem);
-bool removeUnfinishedCopies(const std::string &projectFile);
 /// Writes the files of a version's folder, and the folders above, to the disk. Harmless without a folder.
 bool syncVersionFolder(const std::string &projectFile, const std::string &folderName, std::string &problem);
-bool syncVersionFolder(const std::string &projectFile, const std::string &folderName);
 
 /// The stores of the versions of any project, see ProjectData::ProjectStore.
 class VersionStores final : public ProjectData::ProjectStoreService, public FileSystem::DirectoryService {
@@ -48,13 +43,19 @@ public:
   /// Renames a version's folder to another name of that form in the same folder. An existing target is refused.
   bool rename(const std::string &from, const std::string &to) override;
 
+  /// Writes to the disk what copyResults() has brought to its place since this was done last: once for all of it,
+  /// because a study that copies the results of thousands of versions must not wait for each file.
+  bool syncCopies(std::string &problem);
+
   /// Why the last operation that changes something answered false; "" when it did not.
   const std::string &lastProblem() const { return m_lastProblem; }
 
 private:
   bool noted(bool isDone);
+  void noteUnsynced(Folder results);
 
   std::string m_lastProblem;
+  std::vector<Folder> m_unsynced; ///< one results folder of each file system that something was copied to
 };
 
 } // namespace EmbeddedHost

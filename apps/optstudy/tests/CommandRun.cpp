@@ -62,10 +62,13 @@ bool TemporaryFolder::has(const std::string &name) const {
 }
 
 CommandRun::CommandRun(const TemporaryFolder &folder, std::vector<std::string> arguments,
-                       const std::map<std::string, std::string> &environment) {
+                       const std::map<std::string, std::string> &environment,
+                       const std::vector<std::string> &before) {
   m_output = folder.file("command.out");
   m_messages = folder.file("command.err");
   arguments.insert(arguments.begin(), OPTSTUDY_PROGRAM);
+  arguments.insert(arguments.begin(), before.begin(), before.end());
+  const std::string program = arguments.front();
   std::vector<std::string> variables;
   variables.reserve(environment.size());
   for (const auto &[name, value] : environment) {
@@ -85,8 +88,8 @@ CommandRun::CommandRun(const TemporaryFolder &folder, std::vector<std::string> a
   ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, m_messages.c_str(), kWrite, 0600);
   ::posix_spawn_file_actions_addchdir_np(&actions, folder.path().c_str());
   m_started = std::chrono::steady_clock::now();
-  if (::posix_spawn(&m_pid, OPTSTUDY_PROGRAM, &actions, nullptr, pointersTo(arguments).data(),
-                    pointersTo(variables).data()) != 0) {
+  if (::posix_spawnp(&m_pid, program.c_str(), &actions, nullptr, pointersTo(arguments).data(),
+                     pointersTo(variables).data()) != 0) {
     m_pid = 0;
   }
   ::posix_spawn_file_actions_destroy(&actions);

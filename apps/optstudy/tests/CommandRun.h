@@ -34,11 +34,13 @@ struct CommandResult {
   std::chrono::milliseconds time{0};
 };
 
-// The program under test, started in `folder`; variables of `environment` replace those of the test.
+// The program under test, started in `folder`; variables of `environment` replace those of the test. `before` are the
+// words of a command that runs it, if any.
 class CommandRun {
 public:
   CommandRun(const TemporaryFolder &folder, std::vector<std::string> arguments,
-             const std::map<std::string, std::string> &environment = {});
+             const std::map<std::string, std::string> &environment = {},
+             const std::vector<std::string> &before = {});
   CommandRun(const CommandRun &) = delete;
   CommandRun &operator=(const CommandRun &) = delete;
   ~CommandRun();
