@@ -1,14 +1,25 @@
 #pragma once
 
+#include "benchmarks/common/Measurement.h"
+#include "benchmarks/common/Report.h"
 #include "benchmarks/expression/ExpressionCase.h"
-#include "benchmarks/expression/Measurement.h"
-#include "benchmarks/expression/Report.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
 namespace ExpressionBenchmark {
+
+using Benchmarking::BarList;
+using Benchmarking::duration;
+using Benchmarking::Effort;
+using Benchmarking::fixed;
+using Benchmarking::measureInterleaved;
+using Benchmarking::median;
+using Benchmarking::processorSeconds;
+using Benchmarking::Ratios;
+using Benchmarking::Table;
+using Benchmarking::Way;
 
 /// What all benchmarks are given.
 struct Setting {

@@ -1,6 +1,6 @@
+#include "benchmarks/common/ChildProcess.h"
 #include "benchmarks/expression/Agreement.h"
 #include "benchmarks/expression/Benchmarks.h"
-#include "benchmarks/expression/ChildProcess.h"
 #include "benchmarks/expression/OwnExpression.h"
 
 #include <array>
@@ -99,7 +99,7 @@ LengthResult measureSum(std::size_t terms) {
 }
 
 LengthResult measureInChild(const std::string &program, std::size_t terms) {
-  std::istringstream output(outputOf({program, "--length-of=" + std::to_string(terms)}));
+  std::istringstream output(Benchmarking::outputOf({program, "--length-of=" + std::to_string(terms)}));
   LengthResult result;
   output >> result.buildSeconds >> result.evaluateSeconds >> result.destroySeconds >> result.totalSeconds >>
       result.mebibytes;

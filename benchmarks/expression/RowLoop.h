@@ -1,7 +1,7 @@
 #pragma once
 
+#include "benchmarks/common/Measurement.h"
 #include "benchmarks/expression/ExpressionCase.h"
-#include "benchmarks/expression/Measurement.h"
 
 #include <benchmark/benchmark.h>
 
@@ -10,6 +10,8 @@
 #include <vector>
 
 namespace ExpressionBenchmark {
+
+using Benchmarking::Way;
 
 /// So many that no branch predictor learns them by heart, few enough to stay in the second-level cache.
 inline std::size_t rowsFor(const ExpressionCase &expression) {

@@ -1,9 +1,9 @@
+#include "benchmarks/common/CommandLine.h"
+#include "benchmarks/common/Core.h"
 #include "benchmarks/expression/Benchmarks.h"
-#include "benchmarks/expression/Core.h"
 #include "benchmarks/expression/NativeExpressions.h"
 
 #include <array>
-#include <charconv>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -48,30 +48,6 @@ struct Options {
   std::optional<std::size_t> lengthOf;
 };
 
-template <class T> T wholeNumber(std::string_view text) {
-  T number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    throw std::invalid_argument("Not a whole number: " + std::string(text));
-  }
-  return number;
-}
-
-std::vector<std::size_t> tableNumbers(std::string_view list) {
-  std::vector<std::size_t> numbers;
-  for (;;) {
-    const std::size_t comma = list.find(',');
-    numbers.push_back(wholeNumber<std::size_t>(list.substr(0, comma)));
-    if (numbers.back() < 1 || numbers.back() > kTables.size()) {
-      throw std::invalid_argument("There is no table " + std::to_string(numbers.back()));
-    }
-    if (comma == std::string_view::npos) {
-      return numbers;
-    }
-    list.remove_prefix(comma + 1);
-  }
-}
-
 Options readOptions(int count, char **arguments) {
   Options options;
   for (int at = 1; at < count; ++at) {
@@ -80,13 +56,13 @@ Options readOptions(int count, char **arguments) {
     const std::string_view name = argument.substr(0, equals);
     const std::string_view value = equals == std::string_view::npos ? "" : argument.substr(equals + 1);
     if (name == "--rows") {
-      options.tables = tableNumbers(value);
+      options.tables = Benchmarking::tableNumbers(value, kTables.size());
     } else if (name == "--core") {
-      options.core = wholeNumber<int>(value);
+      options.core = Benchmarking::wholeNumber<int>(value);
     } else if (name == "--expressions") {
       options.expressions = value;
     } else if (name == "--length-of") {
-      options.lengthOf = wholeNumber<std::size_t>(value);
+      options.lengthOf = Benchmarking::wholeNumber<std::size_t>(value);
     } else if (argument == "--quick") {
       options.quick = true;
     } else if (argument == "--help") {
@@ -107,7 +83,7 @@ void run(const Options &options, char **arguments) {
     runLengthChild(*options.lengthOf);
     return;
   }
-  const int core = runOnOneCore(options.core, arguments);
+  const int core = Benchmarking::runOnOneCore(options.core, arguments);
   Setting setting;
   setting.cases = readExpressionCases(options.expressions);
   setting.program = std::filesystem::read_symlink("/proc/self/exe").string();

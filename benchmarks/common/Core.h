@@ -2,7 +2,7 @@
 
 #include <optional>
 
-namespace ExpressionBenchmark {
+namespace Benchmarking {
 
 /// Confines the process to one core, and starts the program anew when that was not so from its beginning: a
 /// library that counts the cores when it is loaded must see one, too.
@@ -12,4 +12,4 @@ namespace ExpressionBenchmark {
 /// \throws std::system_error  the system refuses
 int runOnOneCore(std::optional<int> wanted, char **arguments);
 
-} // namespace ExpressionBenchmark
+} // namespace Benchmarking

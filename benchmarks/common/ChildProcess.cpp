@@ -1,4 +1,4 @@
-#include "benchmarks/expression/ChildProcess.h"
+#include "benchmarks/common/ChildProcess.h"
 
 #include <array>
 #include <cerrno>
@@ -9,7 +9,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace ExpressionBenchmark {
+namespace Benchmarking {
 
 namespace {
 
@@ -69,4 +69,4 @@ std::string outputOf(const std::vector<std::string> &command) {
   return text;
 }
 
-} // namespace ExpressionBenchmark
+} // namespace Benchmarking

@@ -1,4 +1,4 @@
-#include "benchmarks/expression/Core.h"
+#include "benchmarks/common/Core.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -6,7 +6,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace ExpressionBenchmark {
+namespace Benchmarking {
 
 namespace {
 
@@ -41,4 +41,4 @@ int runOnOneCore(std::optional<int> wanted, char **arguments) {
   fail("execv");
 }
 
-} // namespace ExpressionBenchmark
+} // namespace Benchmarking

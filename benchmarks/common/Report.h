@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace ExpressionBenchmark {
+namespace Benchmarking {
 
 /// With so many digits behind the point.
 std::string fixed(double value, int decimals);
@@ -55,4 +55,4 @@ private:
   std::vector<Bar> m_bars;
 };
 
-} // namespace ExpressionBenchmark
+} // namespace Benchmarking

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace ExpressionBenchmark {
+namespace Benchmarking {
 
 /// Runs a program to its end.
 /// \param command  its file and its arguments
@@ -11,4 +11,4 @@ namespace ExpressionBenchmark {
 /// \throws std::runtime_error, std::system_error  it cannot be run, or ends otherwise than with 0
 std::string outputOf(const std::vector<std::string> &command);
 
-} // namespace ExpressionBenchmark
+} // namespace Benchmarking

@@ -1,4 +1,4 @@
-#include "benchmarks/expression/Report.h"
+#include "benchmarks/common/Report.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -6,7 +6,7 @@
 #include <sstream>
 #include <utility>
 
-namespace ExpressionBenchmark {
+namespace Benchmarking {
 
 namespace {
 
@@ -110,4 +110,4 @@ void BarList::printSummary() const {
             << " goals MISSED\n";
 }
 
-} // namespace ExpressionBenchmark
+} // namespace Benchmarking

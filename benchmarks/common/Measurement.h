@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace ExpressionBenchmark {
+namespace Benchmarking {
 
 /// How long to measure.
 struct Effort {
@@ -20,14 +20,26 @@ struct Effort {
 /// Processor time used by all threads of the process so far. What other processes take of the core is not in it.
 double processorSeconds();
 
+/// Seconds by the clock on the wall, in which waiting for a disk counts.
+double wallSeconds();
+
 /// Does one thing the given number of times.
 using Way = std::function<void(std::size_t times)>;
 
-/// Processor seconds that each way takes for doing its thing once: medians over the repetitions.
+/// Seconds that each way takes for doing its thing once: medians over the repetitions.
 ///
 /// The ways take turns within every repetition, and the turns rotate, so that a change of the machine's speed
 /// meets all of them alike: a ratio wants its two sides within milliseconds of each other.
-std::vector<double> measureInterleaved(const std::vector<Way> &ways, const Effort &effort);
+/// \param now  what is counted: processor time, or the wall's
+std::vector<double> measureInterleaved(const std::vector<Way> &ways, const Effort &effort,
+                                       double (*now)() = &processorSeconds);
+
+/// Does one thing once and says how many seconds of it count.
+using TimedWay = std::function<double()>;
+
+/// As measureInterleaved(), for things that take long or whose preparation is not to be counted: each is done once in
+/// every repetition.
+std::vector<double> measureOneByOne(const std::vector<TimedWay> &ways, std::size_t repetitions);
 
 /// The value in the middle; there must be one.
 double median(std::vector<double> values);
@@ -49,4 +61,4 @@ private:
   std::vector<std::string> m_names;
 };
 
-} // namespace ExpressionBenchmark
+} // namespace Benchmarking
