@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+namespace FaultTests {
+
+/// A new temporary folder, below which everything happens. Removed in the end, and nothing else ever is.
+class WorkFolder {
+public:
+  WorkFolder();
+  WorkFolder(const WorkFolder &) = delete;
+  WorkFolder &operator=(const WorkFolder &) = delete;
+  ~WorkFolder();
+
+  const std::string &path() const { return m_path; }
+  /// A new folder below.
+  std::string makeFolder(const std::string &name) const;
+  /// Removes a folder that makeFolder() made; anything else is refused.
+  void removeFolder(const std::string &path) const;
+
+private:
+  bool isBelow(const std::string &path) const;
+
+  std::string m_path;
+};
+
+/// Gives up the rights of root, if the process has them: what goes wrong from then on cannot do harm.
+/// \return false when that is not possible
+bool dropRights();
+
+} // namespace FaultTests
