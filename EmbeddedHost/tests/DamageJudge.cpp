@@ -36,7 +36,7 @@ std::map<std::string, std::string> listing(const std::string &folder) {
 
 // The address sanitizer needs more room for itself than any limit.
 void limitMemory() {
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if !defined(OPTSTUDY_ADDRESS_SANITIZER) && !defined(__SANITIZE_THREAD__)
   constexpr rlim_t kBytes = rlim_t{1} << 30U;
   const rlimit limit = {kBytes, kBytes};
   setrlimit(RLIMIT_AS, &limit);

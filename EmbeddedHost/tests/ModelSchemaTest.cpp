@@ -52,9 +52,9 @@ TEST(ModelSchemaTest, DeclaredMembersOfComposites_HavePathsBelowTheirComposite) 
 }
 
 TEST(ModelSchemaTest, ManyMembers_AreAllFoundByTheirPath) {
-  std::vector<MemberType> members;
-  for (int index = 0; index < 300; ++index) {
-    members.push_back(member("M" + std::to_string(index), MemberKind::Real));
+  std::vector<MemberType> members(300);
+  for (std::size_t index = 0; index < members.size(); ++index) {
+    members[index] = member("M" + std::to_string(index), MemberKind::Real);
   }
   ModelSchema schema;
   ASSERT_EQ(schema.declareType("Box", members), "");
