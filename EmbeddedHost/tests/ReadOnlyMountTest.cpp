@@ -45,7 +45,7 @@ protected:
   std::string file() const { return folder.path("fan.optstudy"); }
   std::string made(bool interrupts) const {
     return reportOfOrdinaryUser([this, interrupts] {
-      const std::string project = makeProjectToRead(folder.path());
+      std::string project = makeProjectToRead(folder.path());
       if (interrupts) {
         interruptAChangeOf(project);
       }
