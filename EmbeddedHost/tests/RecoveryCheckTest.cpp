@@ -40,6 +40,22 @@ TEST_F(RecoveryCheckTest, JournalThatDoesNotRestoreTheProject_IsLeftThereWithIt)
   }
 }
 
+// The journal's header tells at byte 16, high byte first, how many pages the project had; 2^16 are 256 MB.
+TEST_F(RecoveryCheckTest, JournalThatTellsOfTooManyPages_IsLeftThereWithTheProject) {
+  interruptASave();
+  std::string damaged = contentOf(journal());
+  damaged.replace(16, 4, std::string("\0\1\0\0", 4));
+  writeFile(journal(), damaged);
+  const std::string before = contentOf(file);
+  EXPECT_EQ(problemOfOpening(OpenMode::ReadWrite),
+            "The project " + file +
+                " is damaged: the journal of an interrupted save beside it does not restore it: it tells of "
+                "pages that "
+                "never were.");
+  EXPECT_EQ(contentOf(file), before);
+  EXPECT_EQ(contentOf(journal()), damaged);
+}
+
 TEST_F(RecoveryCheckTest, JournalThatRestoresTheProject_IsPlayedBack) {
   interruptASave();
   const auto opened = openCopy(OpenMode::ReadWrite);

@@ -50,8 +50,9 @@ void measureCreation(const Setting &setting, BarList &bars) {
   for (std::size_t row = 0; row < names.size(); ++row) {
     const double *of = &seconds[2 * row];
     table.add({names[row], duration(of[0]), duration(of[1]), fixed(of[1] / of[0], 2)});
-    bars.judge("make alternates, " + names[row] + ": " + many + " / " + some, of[1] / of[0], 15.0,
-               std::nullopt);
+    std::string name = "make alternates, ";
+    name.append(names[row]).append(": ").append(many).append(" / ").append(some);
+    bars.judge(name, of[1] / of[0], 15.0, std::nullopt);
   }
   table.print();
   bars.print(first);

@@ -78,9 +78,11 @@ private:
 
 void checkRecovery(const std::string &file) {
   std::error_code error;
-  if (fs::file_size(file + "-journal", error) == 0 || error) {
+  const std::uintmax_t journal = fs::file_size(file + "-journal", error);
+  if (error || journal == 0) {
     return;
   }
+  const std::uintmax_t largest = fs::file_size(file, error) + journal;
   const ProjectCopy copy(file);
   if (!copy.isComplete()) {
     return;
@@ -91,6 +93,10 @@ void checkRecovery(const std::string &file) {
     Statement check = database.prepare("PRAGMA quick_check(1)");
     if (!check.step() || check.text(0) != "ok") {
       throw DatabaseError(SQLITE_CORRUPT, found + std::string(check.text(0)));
+    }
+    // What is undone had its pages in the file or in the journal, so a larger project is none that ever was.
+    if (fs::file_size(copy.path(), error) > largest || error) {
+      throw DatabaseError(SQLITE_CORRUPT, found + "it tells of pages that never were");
     }
     const std::int64_t format = database.number("PRAGMA user_version");
     Database present = format < kFormatVersion ? upgradedCopy(database, format) : std::move(database);
