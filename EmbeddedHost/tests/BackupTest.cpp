@@ -1,6 +1,7 @@
 #include "EmbeddedHost/tests/FaultyRenames.h"
 #include "EmbeddedHost/tests/FixtureProject.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <signal.h>
 #include <sys/wait.h>
@@ -174,6 +175,33 @@ TEST_F(BackupTest, FailedRenaming_LeavesNothing) {
     EXPECT_EQ(entries(), before);
   }
   EXPECT_TRUE(project->backup(copy, problem)) << problem;
+}
+
+TEST_F(BackupTest, RenamingThatFailsFromThenOn_DoesNotBlockTheName) {
+  saveAs();
+  fs::create_directories(project->versionFolder(*base, true) + "/inner");
+  writeFile(project->versionFolder(*base, true) + "/inner/file", "kept");
+  const Names before = entries();
+  for (const int first : {1, 2}) {
+    {
+      FaultyRenames faults;
+      std::set<int> all;
+      for (int ordinal = first; ordinal < 100; ++ordinal) {
+        all.insert(ordinal);
+      }
+      faults.fail(all, EROFS);
+      EXPECT_FALSE(project->backup(copy, problem)) << first;
+      // What could not be taken back is not cleared up by a try that fails, too, and still nobody's afterwards.
+      EXPECT_FALSE(project->backup(copy, problem)) << first;
+    }
+    EXPECT_TRUE(project->backup(copy, problem)) << first << ": " << problem;
+    Names expected = before;
+    expected.insert(expected.end(), {"copy.optstudy", "copy.results"});
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(entries(), expected);
+    fs::remove(folder.path("copy.optstudy"));
+    fs::remove_all(folder.path("copy.results"));
+  }
 }
 
 TEST_F(BackupTest, FolderInAResultsFolderThatCannotBeCopied_LeavesNothingAndNamesIt) {

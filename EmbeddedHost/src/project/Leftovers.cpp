@@ -51,25 +51,28 @@ void discard(const Folder &folder, const std::string &name, EntryKind kind) {
   }
 }
 
-// A project whose results folder got its place, but which itself did not get its name.
-void takeBackResults(const Folder &folder, const std::string &projectFile, const std::string &random) {
+// Of a project whose results folder got its place, but which itself did not get its name.
+// \return whether none of it is in that place any more
+bool takeBackResults(const Folder &folder, const std::string &projectFile, const std::string &random) {
   const std::string results = std::filesystem::path(resultsFolder(projectFile)).filename().string();
   const Folder placed = folder.open(results);
   const Folder mark = placed.isOpen() ? placed.open(kPublishing) : Folder();
   if (!mark.isOpen() || mark.kindOf(random) == EntryKind::Absent) {
-    return;
+    return true;
   }
   const std::string name = std::filesystem::path(projectFile).filename().string();
   if (folder.kindOf(name) != EntryKind::Absent) {
-    return;
+    return true;
   }
   // Out of the way in one step: were we killed while removing it, nobody would know any more that it is of no use.
   std::string taken = name;
   taken.append(kNew).append(random).append(kResultsEnding);
   std::string ignored;
-  if (folder.rename(results, folder, taken, RENAME_NOREPLACE, ignored)) {
-    discard(folder, taken, EntryKind::Folder);
+  if (!folder.rename(results, folder, taken, RENAME_NOREPLACE, ignored)) {
+    return false;
   }
+  discard(folder, taken, EntryKind::Folder);
+  return true;
 }
 
 // The format of what a copy holds; 0 where that cannot be found out.
@@ -97,8 +100,9 @@ void clear(const Folder &folder, const std::string &name, const Unfinished &what
     discard(folder, name, EntryKind::Folder);
     return;
   }
-  if (what.ending.empty() && what.kind == kNew) {
-    takeBackResults(folder, projectFile, std::string(what.random));
+  const bool isNew = what.ending.empty() && what.kind == kNew;
+  if (isNew && !takeBackResults(folder, projectFile, std::string(what.random))) {
+    return; // the file says whose they are
   }
   const bool mayBeKept = what.ending.empty() && what.kind == kUpgrade;
   if (!mayBeKept || !keep(folder, name, std::string(what.project))) {

@@ -212,16 +212,23 @@ NewProject::~NewProject() {
     return;
   }
   std::string ignored;
-  const std::string file = m_isNamed ? m_name : unfinishedName();
-  for (const std::string &name : {file, unfinishedName().append(kJournalEnding)}) {
+  // Back under the unfinished names, in one step each. The file goes last: where the results cannot be taken back it
+  // tells whoever uses the name next that they are nobody's.
+  if (m_isNamed && !m_folder.rename(m_name, m_folder, unfinishedName(), RENAME_NOREPLACE, ignored)) {
+    return;
+  }
+  if (m_areResultsPlaced && m_folder.holds(resultsName(), m_results) &&
+      !m_folder.rename(resultsName(), m_folder, unfinishedResults(), RENAME_NOREPLACE, ignored)) {
+    return;
+  }
+  if (m_results.isOpen() && m_folder.holds(unfinishedResults(), m_results)) {
+    m_results = Folder();
+    m_folder.remove(unfinishedResults(), ignored);
+  }
+  for (const std::string &name : {unfinishedName(), unfinishedName().append(kJournalEnding)}) {
     if (m_folder.kindOf(name) == EntryKind::File) {
       m_folder.remove(name, ignored);
     }
-  }
-  const std::string results = m_areResultsPlaced ? resultsName() : unfinishedResults();
-  if (m_results.isOpen() && m_folder.holds(results, m_results)) {
-    m_results = Folder();
-    m_folder.remove(results, ignored);
   }
 }
 
