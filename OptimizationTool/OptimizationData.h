@@ -33,10 +33,6 @@ class ChangeSet;
 class Entity;
 class ModelVersion;
 } // namespace EntityModel
-namespace ExpressionBuilder {
-class SimpleVariableCollection;
-template <class T, class VariableCollection> class Expression;
-} // namespace ExpressionBuilder
 namespace Tools {
 class ToolProgress;
 }
@@ -397,13 +393,13 @@ private:
   void updateCostCalculator();
   void do_recalculateCost(OptimizationVariant *variant);
   void do_clearCost(OptimizationVariant *variant);
-  bool setCostVariable(const OptimizationVariant &variant, const OptimizationGroup &group, bool isInput);
+  void priceRows(const std::vector<OptimizationVariant *> &rows);
 
   bool m_isEditingVersions = false;
   std::uint64_t m_solvingCounter = 0;
   EntityModel::Entity *m_studyEntity;
-  std::unique_ptr<ExpressionBuilder::Expression<double, ExpressionBuilder::SimpleVariableCollection>>
-      m_costCalculator;
+  // Shared with the pricing of rows, during which the host may set another cost function.
+  std::shared_ptr<CostFunctionBuilder::CostExpression> m_costCalculator;
   // A group list is a handle, which the queries hand out for changes of the model; the study data stays as it
   // is.
   mutable OptimizationGroups m_inputGroups;

@@ -1,6 +1,3 @@
-#include "ExpressionBuilder/ElementConstant.h"
-#include "ExpressionBuilder/Expression.h"
-#include "ExpressionBuilder/SimpleVariableCollection.h"
 #include "HostModel/Attribute.h"
 #include "HostModel/EntityEditor.h"
 #include "HostModel/EntityManager.h"
@@ -8,10 +5,11 @@
 #include "HostModel/Type.h"
 #include "HostModel/TypeConstants.h"
 #include "OptimizationTool/OptimizationData.h"
+#include "OptimizationTool/src/CostBlock.h"
+#include "OptimizationTool/src/CostInputs.h"
 
 namespace OptimizationTool {
 
-using EntityModel::Attribute;
 using EntityModel::AttributePath;
 using EntityModel::EntityEditor;
 using MathematicalUtilities::OptimisationStrategy;
@@ -20,24 +18,6 @@ namespace {
 
 bool isBlank(const std::string &text) {
   return text.find_first_not_of(" \t") == std::string::npos;
-}
-
-const Attribute *cellAt(const OptimizationVariant *variant, bool isInput, int position) {
-  return variant == nullptr || position < 0
-             ? nullptr
-             : variant->getAttribute(isInput, static_cast<std::size_t>(position));
-}
-
-// A quantity is priced in the units in which the baseline shows it, so that what a user reads there is what
-// the cost function calculates with.
-double pricedValue(const Attribute *cell, const Attribute *baselineCell) {
-  if (cell == nullptr || !cell->hasValue()) {
-    return 0.0;
-  }
-  if (cell->isQuantity() && baselineCell != nullptr) {
-    return cell->getValueInUnits(baselineCell->getUnits(0));
-  }
-  return cell->getStandardValue();
 }
 
 } // namespace
@@ -88,9 +68,12 @@ void OptimizationData::recalculateCosts() {
     clearCosts();
     return;
   }
+  std::vector<OptimizationVariant *> rows;
+  rows.reserve(m_variants.size());
   for (const auto &variant : m_variants) {
-    do_recalculateCost(variant.get());
+    rows.push_back(variant.get());
   }
+  priceRows(rows);
 }
 
 void OptimizationData::clearCosts() {
@@ -110,45 +93,57 @@ void OptimizationData::do_clearCost(OptimizationVariant *variant) {
 }
 
 void OptimizationData::do_recalculateCost(OptimizationVariant *variant) {
-  if (m_costCalculator == nullptr || variant == nullptr) {
-    return;
-  }
-  bool isComplete = true;
-  for (int index = 0; index < getNumInputs(); ++index) {
-    isComplete = setCostVariable(*variant, getGroup(true, index), true) && isComplete;
-  }
-  for (int index = 0; index < getNumOutputs(); ++index) {
-    isComplete = setCostVariable(*variant, getGroup(false, index), false) && isComplete;
-  }
-  if (isComplete) {
-    variant->setCost(m_costCalculator->evaluate());
-  } else {
-    do_clearCost(variant);
-  }
+  priceRows({variant});
 }
 
-// Returns false when the row lacks a value that the cost function needs; the variable is set all the same.
-bool OptimizationData::setCostVariable(const OptimizationVariant &variant, const OptimizationGroup &group,
-                                       bool isInput) {
-  const int position = group.getIndex();
-  const Attribute *cell = cellAt(&variant, isInput, position);
-  const Attribute *baselineCell = cellAt(m_variants.get(std::size_t{0}), isInput, position);
-  const bool isMissing =
-      isVariableInCostFunction(position, isInput) && (cell == nullptr || !cell->hasValue());
-  m_costCalculator->variables().replace(
-      group.getAttributeMacro(),
-      std::make_unique<ExpressionBuilder::ElementConstant<double>>(pricedValue(cell, baselineCell)));
-  return !isMissing;
+// Prices the rows in this order; null rows are skipped. What the rows have in common is read once, before the first
+// one, and kept in no form that a call to the host could harm.
+void OptimizationData::priceRows(const std::vector<OptimizationVariant *> &rows) {
+  const QPointer<OptimizationData> self(this);
+  const RowsInUseScope rowsInUse(*this);
+  const std::shared_ptr<CostFunctionBuilder::CostExpression> calculator = m_costCalculator;
+  // Who replaces the calculator meanwhile prices every row anew.
+  const auto isOver = [&self, &calculator] {
+    return !self || self->m_costCalculator != calculator;
+  };
+  std::optional<CostBlock> block;
+  for (OptimizationVariant *row : rows) {
+    if (calculator == nullptr || row == nullptr || isTaken(row)) {
+      continue;
+    }
+    if (!block) {
+      block.emplace(
+          *calculator,
+          readCostInputs(
+              m_inputGroups, m_outputGroups, [this] { return getCostFunction(); }, calculator->variables()),
+          rows.size());
+      if (isOver()) {
+        return;
+      }
+    }
+    try {
+      block->read(*row, m_variants);
+    } catch (...) {
+      if (!isOver()) {
+        block->endBeforeUnreadRow();
+      }
+      throw;
+    }
+    if (isOver()) {
+      return;
+    }
+    if (block->isFull()) {
+      block->price();
+    }
+  }
+  if (block) {
+    block->price();
+  }
 }
 
 bool OptimizationData::isVariableInCostFunction(int group, bool isInput) {
   const OptimizationGroup found = getGroup(isInput, group);
-  if (!found) {
-    return false;
-  }
-  // A plain search in the text, which an empty name always passes: a group counts as used rather too often
-  // than too seldom, so that no row is priced without a value that it needs.
-  return getCostFunction().find(found.getDisplayName()) != std::string::npos;
+  return found && isMentioned(found, getCostFunction());
 }
 
 void OptimizationData::setOptimisationTarget(OptimisationStrategy target) {

@@ -67,10 +67,6 @@ void SlotHolder::assign(const EntityModel::Attribute &other) {
   }
 }
 
-bool SlotHolder::isValueHeld() const {
-  return member().kind == MemberKind::EntityList ? entitiesLive() : holdsValue(m_slot->value);
-}
-
 std::string SlotHolder::text() const {
   const bool namesEntities = member().kind == MemberKind::EntityLink ||
                              member().kind == MemberKind::EntityList ||
@@ -78,7 +74,7 @@ std::string SlotHolder::text() const {
   return namesEntities && !entitiesLive() ? std::string() : valueText(*m_slot, m_slot->value);
 }
 
-double SlotHolder::standardValue() const {
+double SlotHolder::convertedValue() const {
   return standardNumber(member(), m_slot->value);
 }
 
@@ -91,6 +87,9 @@ double SlotHolder::valueInUnits(const std::string &units) const {
   const auto *real = std::get_if<RealValue>(&m_slot->value);
   if (units.empty() || real == nullptr || real->unit == nullptr) {
     return standardValue();
+  }
+  if (units == real->unit->text()) {
+    return real->number;
   }
   const UnitResult wanted = UnitSystem::process().parse(units);
   if (wanted.unit == nullptr || !UnitSystem::process().areConvertible(*wanted.unit, *real->unit)) {

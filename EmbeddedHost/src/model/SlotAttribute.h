@@ -39,9 +39,16 @@ protected:
   bool isReadOnlySlot(bool includeVersion) const;
   void setText(const std::string &text);
   void assign(const EntityModel::Attribute &other);
-  bool isValueHeld() const;
+  // These two are what a study asks of every cell of its matrix for every price: no call, no visit.
+  bool isValueHeld() const {
+    return member().kind == MemberKind::EntityList ? entitiesLive() : holdsValue(m_slot->value);
+  }
   std::string text() const;
-  double standardValue() const;
+  double standardValue() const {
+    const auto *real = std::get_if<RealValue>(&m_slot->value);
+    return real != nullptr && (real->unit == nullptr || real->unit == member().standard) ? real->number
+                                                                                         : convertedValue();
+  }
   std::string units() const;
   double valueInUnits(const std::string &units) const;
   bool isNumber() const;
@@ -51,6 +58,7 @@ protected:
   std::unique_ptr<EntityModel::Attribute> makeClone() const;
 
 private:
+  double convertedValue() const;
   const Model *model() const;
 
   std::unique_ptr<DetachedSlot> m_detached;

@@ -46,13 +46,22 @@ private:
 
 class UnitDatabase::ParsedUnit final : public Unit {
 public:
+  // A way to another unit. Stays as it is once it is known, and may be used by several threads.
+  struct Conversion {
+    const Unit *to = nullptr;
+    std::unique_ptr<cv_converter, FreeConverter> converter;
+  };
+
   ParsedUnit(std::string text, ut_unit *unit) : m_text(std::move(text)), m_unit(unit) {}
   ~ParsedUnit() override = default;
 
   const std::string &text() const override { return m_text; }
   ut_unit *handle() const { return m_unit.get(); }
+  // The conversion that was asked for last, for use without lock.
+  std::atomic<const Conversion *> &last() const { return m_last; }
 
 private:
+  mutable std::atomic<const Conversion *> m_last{nullptr};
   std::string m_text;
   std::unique_ptr<ut_unit, FreeUnit> m_unit;
 };
@@ -62,19 +71,22 @@ public:
   // Destroyed from the last to the first: what was made from the system goes before it.
   std::unique_ptr<ut_system, FreeSystem> system;
   std::vector<std::unique_ptr<ParsedUnit>> units;
-  std::map<std::pair<const Unit *, const Unit *>, std::unique_ptr<cv_converter, FreeConverter>> converters;
+  std::map<std::pair<const Unit *, const Unit *>, ParsedUnit::Conversion> conversions;
   std::string problem;
 
-  /// Null when the two cannot be converted.
-  cv_converter *converter(const Unit &from, const Unit &to) {
-    const auto known = converters.find({&from, &to});
-    if (known != converters.end()) {
-      return known->second.get();
+  /// Without a converter when the two cannot be converted.
+  const ParsedUnit::Conversion &conversion(const ParsedUnit &from, const Unit &to) {
+    const auto known = conversions.find({&from, &to});
+    if (known != conversions.end()) {
+      return known->second;
     }
-    ut_unit *source = static_cast<const ParsedUnit &>(from).handle();
+    ut_unit *source = from.handle();
     ut_unit *target = static_cast<const ParsedUnit &>(to).handle();
-    cv_converter *made = ut_are_convertible(source, target) == 0 ? nullptr : ut_get_converter(source, target);
-    return converters.emplace(std::make_pair(&from, &to), made).first->second.get();
+    ParsedUnit::Conversion made;
+    made.to = &to;
+    made.converter.reset(ut_are_convertible(source, target) == 0 ? nullptr
+                                                                 : ut_get_converter(source, target));
+    return conversions.emplace(std::make_pair(&from, &to), std::move(made)).first->second;
   }
 };
 
@@ -94,6 +106,10 @@ UnitDatabase::UnitDatabase(const char *file) : m_handles(std::make_unique<Handle
 UnitDatabase::~UnitDatabase() = default;
 
 UnitResult UnitDatabase::parse(std::string_view text) {
+  const Results::value_type *last = m_last.load(std::memory_order_acquire);
+  if (last != nullptr && last->first == text) {
+    return last->second;
+  }
   const std::string name(trimmed(text));
   const std::lock_guard<std::mutex> lock(m_mutex);
   if (m_handles->system == nullptr) {
@@ -101,6 +117,7 @@ UnitResult UnitDatabase::parse(std::string_view text) {
   }
   const auto known = m_results.find(name);
   if (known != m_results.end()) {
+    m_last.store(&*known, std::memory_order_release);
     return known->second;
   }
   UnitResult result;
@@ -122,21 +139,26 @@ UnitResult UnitDatabase::parse(std::string_view text) {
 }
 
 bool UnitDatabase::areConvertible(const Unit &from, const Unit &to) {
-  if (&from == &to) {
-    return true;
-  }
-  const std::lock_guard<std::mutex> lock(m_mutex);
-  return m_handles->converter(from, to) != nullptr;
+  return &from == &to || converter(from, to) != nullptr;
 }
 
 double UnitDatabase::convert(double value, const Unit &from, const Unit &to) {
   if (&from == &to) {
     return value;
   }
-  const std::lock_guard<std::mutex> lock(m_mutex);
-  const cv_converter *converter = m_handles->converter(from, to);
-  return converter == nullptr ? std::numeric_limits<double>::quiet_NaN()
-                              : cv_convert_double(converter, value);
+  const cv_converter *way = converter(from, to);
+  return way == nullptr ? std::numeric_limits<double>::quiet_NaN() : cv_convert_double(way, value);
+}
+
+const cv_converter *UnitDatabase::converter(const Unit &from, const Unit &to) {
+  const auto &source = static_cast<const ParsedUnit &>(from);
+  const ParsedUnit::Conversion *conversion = source.last().load(std::memory_order_acquire);
+  if (conversion == nullptr || conversion->to != &to) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    conversion = &m_handles->conversion(source, to);
+    source.last().store(conversion, std::memory_order_release);
+  }
+  return conversion->converter.get();
 }
 
 } // namespace EmbeddedHost
