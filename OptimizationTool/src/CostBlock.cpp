@@ -90,6 +90,12 @@ void CostBlock::read(OptimizationVariant &row, const OptimizationVariants &matri
   m_numComplete += isComplete ? 1U : 0U;
 }
 
+void CostBlock::expect(const OptimizationVariant &row) const {
+  for (const CostInput &input : m_inputs.groups) {
+    __builtin_prefetch(cellAt(&row, input));
+  }
+}
+
 void CostBlock::endBeforeUnreadRow() {
   const std::size_t place = m_partialPlace;
   const std::size_t groups = std::min(m_partialGroups, m_inputs.numBound);

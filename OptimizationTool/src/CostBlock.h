@@ -37,6 +37,9 @@ public:
   // \param matrix  whose first row gives the units
   // Throws what the reading of the row throws. Then end with endBeforeUnreadRow() if the rows still exist.
   void read(OptimizationVariant &row, const OptimizationVariants &matrix);
+  // Fetches the cells of a row that is read soon into the processor's caches, while another one is read: they lie
+  // apart, and to wait for them is most of what pricing costs. Changes nothing.
+  void expect(const OptimizationVariant &row) const;
   bool isFull() const noexcept { return m_rows.size() == m_capacity; }
   // Prices the rows that have been read and begins with none again. Throws what the first row throws for which the
   // calculator does.

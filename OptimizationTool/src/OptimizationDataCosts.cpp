@@ -107,7 +107,8 @@ void OptimizationData::priceRows(const std::vector<OptimizationVariant *> &rows)
     return !self || self->m_costCalculator != calculator;
   };
   std::optional<CostBlock> block;
-  for (OptimizationVariant *row : rows) {
+  for (std::size_t index = 0; index < rows.size(); ++index) {
+    OptimizationVariant *row = rows[index];
     if (calculator == nullptr || row == nullptr || isTaken(row)) {
       continue;
     }
@@ -120,6 +121,10 @@ void OptimizationData::priceRows(const std::vector<OptimizationVariant *> &rows)
       if (isOver()) {
         return;
       }
+    }
+    // Rows that are removed meanwhile stay allocated.
+    if (index + 1 < rows.size() && rows[index + 1] != nullptr) {
+      block->expect(*rows[index + 1]);
     }
     try {
       block->read(*row, m_variants);
