@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace EmbeddedHost {
@@ -115,6 +116,10 @@ public:
   /// never recorded is Failed with the reason kLostRun. In a project that was opened for reading only it is Running,
   /// because another program may be at it.
   RunRecord runRecord(const EntityModel::ModelVersion &version) const;
+  using RunRecords = std::unordered_map<const EntityModel::ModelVersion *, RunRecord>;
+  /// The records of all versions that ever ran, as runRecord() answers them, in one reading of the file: for whoever
+  /// looks at many versions.
+  RunRecords runRecords() const;
   /// Stores, in one durable transaction of its own, that a run of a version begins: a record with the status Running,
   /// and the results without values, so that nobody takes former ones for those of this run. It holds no other unsaved
   /// edit and waits for no result file to be written to the disk. In a project without a file only the model changes.

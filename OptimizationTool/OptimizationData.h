@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HostModel/AttributePath.h"
 #include "HostModel/StudyEnumerations.h"
 #include "OptimizationTool/CostFunctionBuilder.h"
 #include "OptimizationTool/Export.h"
@@ -27,7 +28,6 @@ class AbstractObserverManager;
 }
 namespace EntityModel {
 class Attribute;
-class AttributePath;
 class ChangeManager;
 class ChangeSet;
 class Entity;
@@ -376,8 +376,23 @@ private:
   void takeRow(const OptimizationVariant *row);
   /// Whether a row was taken out of the matrix since the outermost RowsInUseScope was opened.
   bool isTaken(const OptimizationVariant *row) const;
+  /// What a group's first variable refers to: the cells of one column are values of this attribute.
+  struct ColumnSource {
+    EntityModel::Entity *entity = nullptr;
+    EntityModel::AttributePath path;
+  };
+  /// The columns of both sides, without groups whose first variable has no owner: they have no cells.
+  struct RowSource {
+    std::vector<ColumnSource> inputs;
+    std::vector<ColumnSource> outputs;
+  };
+  /// Good for as long as nothing but queries is asked of the host.
+  RowSource getRowSource() const;
+  std::vector<ColumnSource> getColumnSources(bool isInput) const;
   std::size_t addVariant(EntityModel::ModelVersion *version);
-  std::string chooseVariantName(const std::string &name) const;
+  std::size_t addVariant(EntityModel::ModelVersion *version, const RowSource &source);
+  /// A free label for a version: a variation of the name, or the first free default name for "".
+  std::string chooseVariantName(const std::string &name);
   void writeInputValues(const std::vector<std::string> &values);
   void switchBack(EntityModel::ModelVersion *version, EntityModel::ChangeSet &changes);
   void processNewVersion(EntityModel::ModelVersion *version, EntityModel::ModelVersion *origin,
@@ -412,6 +427,16 @@ private:
   EntityGUI::AbstractObserverManager *m_observerManager;
   CostFunctionBuilder m_costFunctionBuilder;
   int m_runningOperations = 0;
+  /// Default names that the host was asked for: all with a lower number are taken for as long as the host has freed no
+  /// label. What the names are made of may change meanwhile.
+  struct TriedNames {
+    QString pattern;
+    QString type;
+    std::string base;
+    std::uint64_t freedLabels = 0;
+    int number = 1;
+  };
+  TriedNames m_triedNames;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(OptimizationData::UpdateTypes)

@@ -37,6 +37,8 @@ public:
   /// \name Cells
   /// @{
 
+  /// Makes room for so many cells, so that appending them needs no more.
+  void reserveCells(std::size_t inputs, std::size_t outputs);
   /// Appends a cell with a clone of the attribute; an empty cell for null.
   void addInput(const EntityModel::Attribute *attribute);
   void addOutput(const EntityModel::Attribute *attribute);

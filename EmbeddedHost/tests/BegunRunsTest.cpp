@@ -36,7 +36,13 @@ protected:
   }
   bool store(double value) { return project->recordRun(*row, record(), {{partA, mass, value}}, problem); }
   static RunRecord runIn(Project &other) {
-    return other.runRecord(*other.changeManager().findVersion("Row", nullptr));
+    const ModelVersion *version = other.changeManager().findVersion("Row", nullptr);
+    const RunRecord run = other.runRecord(*version);
+    const Project::RunRecords all = other.runRecords();
+    EXPECT_EQ(all.size(), 1U);
+    EXPECT_EQ(all.at(version).status, run.status);
+    EXPECT_EQ(all.at(version).reason, run.reason);
+    return run;
   }
   static std::string massIn(Project &other) {
     EntityModel::ChangeManager &versions = other.changeManager();

@@ -214,5 +214,47 @@ TEST_F(ProjectRunsTest, EntityThatWasRenamedSinceTheLastSave_TakesResults) {
   EXPECT_EQ(massIn(*reopened(), "Row", 0), "4.5 kg");
 }
 
+TEST_F(ProjectRunsTest, AllRecordsAtOnce_AreThoseOfTheVersionsThatRan) {
+  ModelVersion *other = follow(project->rootVersion(), "Other");
+  ModelVersion *never = follow(project->rootVersion(), "Never");
+  ModelVersion *destroyed = follow(project->rootVersion(), "Destroyed");
+  saveAs();
+  EXPECT_TRUE(project->runRecords().empty());
+  std::string problem;
+  ASSERT_EQ(store({}), "");
+  RunRecord second = record();
+  second.status = RunStatus::Ok;
+  second.reason.clear();
+  ASSERT_TRUE(project->recordRun(*other, second, {}, problem)) << problem;
+  ASSERT_TRUE(project->recordRun(*destroyed, second, {}, problem)) << problem;
+  bool isDestroyed = false;
+  tree.destroyVersion(destroyed, nullptr, isDestroyed);
+
+  const Project::RunRecords records = project->runRecords();
+
+  EXPECT_EQ(records.size(), 2U);
+  expectRecord(records.at(row));
+  EXPECT_EQ(records.at(other).status, RunStatus::Ok);
+  EXPECT_EQ(records.at(other).reason, "");
+  EXPECT_EQ(records.count(never), 0U);
+}
+
+TEST_F(ProjectRunsTest, AllRecordsAtOnce_WithoutAFile_AreThoseOfTheModel) {
+  ASSERT_EQ(store({}), "");
+  const Project::RunRecords records = project->runRecords();
+  EXPECT_EQ(records.size(), 1U);
+  expectRecord(records.at(row));
+}
+
+TEST_F(ProjectRunsTest, AllRecordsAtOnce_BegunRun_RunsHereAndForReaders) {
+  saveAs();
+  std::string problem;
+  ASSERT_TRUE(project->beginRun(*row, record(), {}, problem)) << problem;
+  EXPECT_EQ(project->runRecords().at(row).status, RunStatus::Running);
+  const std::unique_ptr<Project> reader = reopened();
+  EXPECT_EQ(reader->runRecords().at(reader->changeManager().findVersion("Row", nullptr)).status,
+            RunStatus::Running);
+}
+
 } // namespace
 } // namespace EmbeddedHost

@@ -101,6 +101,62 @@ TEST_F(VersionSwitchTest, EditOperations_HoldTheLastValueWithLimitsAndUnits) {
   EXPECT_THROW(value->setValueFromString("9 m"), std::exception);
 }
 
+// One copy after the other is made from what the one before was.
+TEST_F(VersionSwitchTest, EditOperations_OfMembersOfAllKindsInTurn_EachHoldsItsOwnValue) {
+  using Read = std::pair<std::string, std::string>;
+  ModelVersion *next = follow(base, "V");
+  show(next);
+  set(partA, "Width", "30 cm");
+  set(partA, "Ratio", "0.25");
+  set(partA, "Count", "7");
+  set(partA, "Material", "3");
+  set(partA, "Note", "a note");
+  set(partA, "Law", "Cubic");
+  set(partB, "Width", "40 mm");
+  set(partB, "Ratio", "");
+  set(root, "Title", "a title");
+  show(base);
+  const std::vector<std::pair<EntityModel::Entity *, const char *>> order = {
+      {partA, "Width"}, {partA, "Ratio"}, {partA, "Law"},     {partA, "Count"},
+      {partA, "Law"},   {partA, "Note"},  {root, "Title"},    {partB, "Width"},
+      {partB, "Ratio"}, {partA, "Width"}, {partA, "Material"}};
+  std::vector<Read> read;
+  for (const auto &[entity, path] : order) {
+    const EntityModel::Attribute *value =
+        next->getDelta(true)->findEditOperation(entity, AttributePath(path))->getValue();
+    ASSERT_NE(value, nullptr);
+    read.emplace_back(value->getTypeDescription(),
+                      value->hasValue() ? value->getValueAsString() : "(no value)");
+  }
+  const std::string law = attribute(partA, "Law").getTypeDescription();
+  const std::string material = attribute(partA, "Material").getTypeDescription();
+  EXPECT_EQ(read, (std::vector<Read>{{"real m", "30 cm"},
+                                     {"real ", "0.25"},
+                                     {law, "Cubic"},
+                                     {"integer", "7"},
+                                     {law, "Cubic"},
+                                     {"text", "a note"},
+                                     {"text", "a title"},
+                                     {"real m", "40 mm"},
+                                     {"real ", "(no value)"},
+                                     {"real m", "30 cm"},
+                                     {material, "3"}}));
+}
+
+TEST_F(VersionSwitchTest, EditOperations_AttributeWithLimitsOfItsOwn_OnlyItsValueHasThem) {
+  ModelVersion *next = follow(base, "V");
+  show(next);
+  set(partA, "Count", "7");
+  set(partB, "Count", "8");
+  attribute(partA, "Count").setOptionalMaximum(9.0);
+  const auto copyOf = [next](EntityModel::Entity *entity) {
+    return next->getDelta(true)->findEditOperation(entity, AttributePath("Count"))->getValue()->clone();
+  };
+  EXPECT_NO_THROW(copyOf(partB)->setValueFromString("50"));
+  EXPECT_THROW(copyOf(partA)->setValueFromString("50"), std::exception);
+  EXPECT_NO_THROW(copyOf(partB)->setValueFromString("50"));
+}
+
 TEST_F(VersionSwitchTest, RowRule_OperationElsePreviousValue_EqualsTheSwitchedValue) {
   ModelVersion *copy = follow(base, "Copy");
   ModelVersion *row = alternate(copy, "Row");

@@ -1,6 +1,7 @@
 #include "EmbeddedHost/tests/ModelFixture.h"
 #include "HostModel/ChangeSet.h"
 #include "HostModel/EntityEditor.h"
+#include "HostModel/FreedLabels.h"
 #include "HostModel/ObserverManager.h"
 
 #include <gtest/gtest.h>
@@ -343,6 +344,58 @@ TEST_F(SilentHostTest, Switches_TellNobody_ButTheCommandDoes) {
   Commands commands(*project);
   EXPECT_TRUE(commands.switchVersion("Base"));
   EXPECT_EQ(noted.lines, (Names{"version Base of Model"}));
+}
+
+class FreedLabelsTest : public VersionTreeTest {
+protected:
+  std::uint64_t freed() const {
+    return dynamic_cast<const EntityModel::FreedLabels &>(tree).countFreedLabels();
+  }
+};
+
+TEST_F(FreedLabelsTest, LabelThatNobodyAskedForGoes_CountsNothing) {
+  const std::uint64_t before = freed();
+  follow(base, "A")->setLabel("B");
+  EXPECT_EQ(tree.getUniqueName("A", {}), "A");
+  EXPECT_EQ(freed(), before);
+}
+
+TEST_F(FreedLabelsTest, LabelThatWasFoundTakenGoes_CountsOnce) {
+  ModelVersion *version = follow(base, "A");
+  EXPECT_EQ(tree.getUniqueName("A", {}), "A (2)");
+  EXPECT_EQ(tree.getUniqueName("A", {}), "A (2)");
+  const std::uint64_t before = freed();
+  version->setLabel("B");
+  EXPECT_EQ(freed(), before + 1);
+  version->setLabel("A");
+  version->setLabel("B");
+  EXPECT_EQ(freed(), before + 1);
+}
+
+TEST_F(FreedLabelsTest, VersionIsDestroyed_Counts) {
+  ModelVersion *version = follow(base, "A");
+  tree.getUniqueName("A", {});
+  const std::uint64_t before = freed();
+  destroy({version});
+  EXPECT_EQ(freed(), before + 1);
+}
+
+TEST_F(FreedLabelsTest, AnotherVersionHasTheLabelStill_CountsWhenTheLastGoes) {
+  ModelVersion *first = follow(base, "A");
+  ModelVersion *second = follow(base, "A");
+  tree.getUniqueName("A", {});
+  const std::uint64_t before = freed();
+  first->setLabel("B");
+  EXPECT_EQ(freed(), before);
+  second->setLabel("B");
+  EXPECT_EQ(freed(), before + 1);
+}
+
+TEST_F(FreedLabelsTest, LabelTakenByAFurtherNameOnly_CountsNothing) {
+  const std::uint64_t before = freed();
+  EXPECT_EQ(tree.getUniqueName("A", {{"A", nullptr}}), "A (2)");
+  follow(base, "A")->setLabel("B");
+  EXPECT_EQ(freed(), before);
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #include "HostModel/ToolProgress.h"
 #include "OptimizationTool/OptimizationData.h"
 
+#include <optional>
+
 namespace OptimizationTool {
 
 using EntityModel::ModelVersion;
@@ -15,10 +17,8 @@ bool follows(const ModelVersion *version, const std::string &label) {
   return previous != nullptr && previous->getLabel() == label;
 }
 
-void setText(Tools::ToolProgress *progress, const QString &text) {
-  if (progress != nullptr) {
-    progress->setText(text.toStdString());
-  }
+void setText(Tools::ToolProgress &progress, const QString &text) {
+  progress.setText(text.toStdString());
 }
 
 } // namespace
@@ -32,9 +32,12 @@ void OptimizationData::initializeVariants(bool newStudy, Tools::ToolProgress *pr
   const QPointer<OptimizationData> self(this);
   const QLatin1Char blank(' ');
   const auto showVersion = [&](const ModelVersion &version) {
-    setText(progress, tr("Initializing %1 Study : %2")
-                          .arg(getStudyTypeName(), 0, blank)
-                          .arg(QString::fromStdString(version.getLabel()), 0, blank));
+    if (progress == nullptr) {
+      return;
+    }
+    setText(*progress, tr("Initializing %1 Study : %2")
+                           .arg(getStudyTypeName(), 0, blank)
+                           .arg(QString::fromStdString(version.getLabel()), 0, blank));
   };
 
   if (progress != nullptr) {
@@ -43,7 +46,7 @@ void OptimizationData::initializeVariants(bool newStudy, Tools::ToolProgress *pr
     if (!self) {
       return;
     }
-    setText(progress, tr("Initializing %1 Study").arg(getStudyTypeName(), 0, blank));
+    setText(*progress, tr("Initializing %1 Study").arg(getStudyTypeName(), 0, blank));
     Tools::setInnermostStepCount(*progress, 0);
     if (!self) {
       return;
@@ -84,6 +87,8 @@ void OptimizationData::initializeVariants(bool newStudy, Tools::ToolProgress *pr
       return;
     }
   }
+  // What the groups refer to is the same for all rows, unless somebody who is told of the progress edits them.
+  std::optional<RowSource> source;
   for (ModelVersion *version : alternates) {
     // Before the version is looked at, so that skipped versions count too.
     if (progress != nullptr) {
@@ -100,7 +105,10 @@ void OptimizationData::initializeVariants(bool newStudy, Tools::ToolProgress *pr
       if (!self) {
         return;
       }
-      addVariant(version);
+      if (progress != nullptr || !source) {
+        source = getRowSource();
+      }
+      addVariant(version, *source);
     }
   }
 

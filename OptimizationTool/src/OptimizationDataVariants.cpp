@@ -2,6 +2,7 @@
 #include "HostModel/ChangeManager.h"
 #include "HostModel/ChangeSet.h"
 #include "HostModel/EntityManager.h"
+#include "HostModel/FreedLabels.h"
 #include "HostModel/Lookup.h"
 #include "HostModel/ModelVersion.h"
 #include "HostModel/ProjectStore.h"
@@ -39,15 +40,9 @@ std::vector<const ModelDelta *> deltasOf(const ModelVersion &version) {
   return deltas;
 }
 
-// The value of a group's first variable in a version with these deltas, while the version's previous one is
-// current.
-const Attribute *valueIn(const std::vector<const ModelDelta *> &deltas, const OptimizationGroup &group) {
-  const OptimizationGroupVariable variable = group.getFrontVariable();
-  const EntityModel::Entity *entity = variable.getOwnerEntity();
-  if (entity == nullptr) {
-    return nullptr;
-  }
-  const EntityModel::AttributePath path = variable.getAttributePath();
+// The value of an attribute in a version with these deltas, while the version's previous one is current.
+const Attribute *valueIn(const std::vector<const ModelDelta *> &deltas, EntityModel::Entity *entity,
+                         const EntityModel::AttributePath &path) {
   for (const ModelDelta *delta : deltas) {
     const EditOperation *operation = delta->findEditOperation(entity, path);
     if (operation != nullptr && operation->getKind() == EditOperation::kValueSet) {
@@ -106,42 +101,66 @@ OptimizationVariantValues<double> OptimizationData::variantStandardVal(bool isIn
   return m_variants.standardVal(isInput, group);
 }
 
+std::vector<OptimizationData::ColumnSource> OptimizationData::getColumnSources(bool isInput) const {
+  std::vector<ColumnSource> sources;
+  const OptimizationGroups &groups = getGroups(isInput);
+  const int count = groups.size();
+  sources.reserve(static_cast<std::size_t>(count));
+  for (int index = 0; index < count; ++index) {
+    const OptimizationGroupVariable variable = groups.getGroup(index).getFrontVariable();
+    if (EntityModel::Entity *entity = variable.getOwnerEntity()) {
+      sources.push_back({entity, variable.getAttributePath()});
+    }
+  }
+  return sources;
+}
+
+OptimizationData::RowSource OptimizationData::getRowSource() const {
+  return {getColumnSources(true), getColumnSources(false)};
+}
+
 std::size_t OptimizationData::addVariant(ModelVersion *version) {
+  const EditingVersionsScope editing(*this);
+  return addVariant(version, getRowSource());
+}
+
+std::size_t OptimizationData::addVariant(ModelVersion *version, const RowSource &source) {
   const EditingVersionsScope editing(*this);
   const std::vector<const ModelDelta *> deltas = deltasOf(*version);
   auto variant = std::make_unique<OptimizationVariant>(version->getLabel());
-  for (int index = 0; index < getNumInputs(); ++index) {
-    const OptimizationGroup group = getGroup(true, index);
-    if (!group) {
-      continue;
-    }
-    // A group without a value gets no cell, so the cells of the groups after it move up.
-    if (const Attribute *value = valueIn(deltas, group)) {
+  variant->reserveCells(source.inputs.size(), source.outputs.size());
+  // A group without a value gets no cell, so the cells of the groups after it move up.
+  for (const ColumnSource &column : source.inputs) {
+    if (const Attribute *value = valueIn(deltas, column.entity, column.path)) {
       variant->addInput(value);
     }
   }
-  for (int index = 0; index < getNumOutputs(); ++index) {
-    const OptimizationGroup group = getGroup(false, index);
-    if (!group) {
-      continue;
-    }
-    if (const Attribute *value = valueIn(deltas, group)) {
+  for (const ColumnSource &column : source.outputs) {
+    if (const Attribute *value = valueIn(deltas, column.entity, column.path)) {
       variant->addOutput(value);
     }
   }
   return m_variants.append(std::move(variant));
 }
 
-std::string OptimizationData::chooseVariantName(const std::string &name) const {
+std::string OptimizationData::chooseVariantName(const std::string &name) {
   const std::map<std::string, ModelVersion *> noFurtherNames;
   if (!name.empty()) {
     return m_changeManager->getUniqueName(name, noFurtherNames);
   }
-  for (int number = 1; number < std::numeric_limits<int>::max(); ++number) {
-    const std::string candidate = getDefaultAlternateVersionName(number);
+  const auto *labels = dynamic_cast<const EntityModel::FreedLabels *>(m_changeManager);
+  TriedNames tried{tr("%1 Alternate %2 of %3"), getStudyTypeName(), getBaseVersionName(),
+                   labels == nullptr ? 0 : labels->countFreedLabels(), 1};
+  if (labels != nullptr && tried.pattern == m_triedNames.pattern && tried.type == m_triedNames.type &&
+      tried.base == m_triedNames.base && tried.freedLabels == m_triedNames.freedLabels) {
+    tried.number = m_triedNames.number;
+  }
+  for (; tried.number < std::numeric_limits<int>::max(); ++tried.number) {
+    const std::string candidate = getDefaultAlternateVersionName(tried.number);
     std::string unique = m_changeManager->getUniqueName(candidate, noFurtherNames);
     // A host that gives no name at all refuses; asking on would never end.
     if (unique == candidate || unique.empty()) {
+      m_triedNames = std::move(tried);
       return unique;
     }
   }

@@ -42,6 +42,11 @@ void OptimizationVariant::setCost(const std::optional<double> &cost) noexcept {
   m_cost = cost;
 }
 
+void OptimizationVariant::reserveCells(std::size_t inputs, std::size_t outputs) {
+  m_inputs.reserve(inputs);
+  m_outputs.reserve(outputs);
+}
+
 void OptimizationVariant::addInput(const EntityModel::Attribute *attribute) {
   m_inputs.emplace_back(attribute);
 }

@@ -3,6 +3,7 @@
 #include "HostModel/Attribute.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 #include <utility>
 
@@ -122,10 +123,21 @@ bool OptimizationVariants::move(std::size_t from, std::size_t to) {
 }
 
 OptimizationVariantValues<double> OptimizationVariants::standardVal(bool isInput, std::size_t index) const {
+  // The cells of many rows lie far apart: looking them up by the block lets the processor fetch several at once,
+  // which it cannot while it follows one cell to its value.
+  constexpr std::size_t kBlock = 256;
+  std::array<const EntityModel::Attribute *, kBlock> cells;
   OptimizationVariantValues<double> values(m_rows.size(), 0.0);
-  for (std::size_t row = 0; row < m_rows.size(); ++row) {
-    if (m_rows[row] != nullptr) {
-      values[row] = m_rows[row]->standardVal(isInput, index);
+  for (std::size_t first = 0; first < m_rows.size(); first += kBlock) {
+    const std::size_t count = std::min(kBlock, m_rows.size() - first);
+    for (std::size_t row = 0; row < count; ++row) {
+      const OptimizationVariant *variant = m_rows[first + row].get();
+      cells[row] = variant == nullptr ? nullptr : variant->getAttribute(isInput, index);
+    }
+    for (std::size_t row = 0; row < count; ++row) {
+      if (cells[row] != nullptr) {
+        values[first + row] = cells[row]->getStandardValue();
+      }
     }
   }
   return values;

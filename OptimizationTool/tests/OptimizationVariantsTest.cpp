@@ -311,6 +311,28 @@ TEST(OptimizationVariantsTest, StandardVal_MissingAndEmptyCellsAndPlacesWithoutR
   EXPECT_EQ(matrix.standardVal(true, 0), (OptimizationVariantValues<double>{0.0, 0.0, 0.0, 0.0}));
 }
 
+// More rows than are looked up at once, and numbers of rows on both sides of that.
+TEST(OptimizationVariantsTest, StandardVal_AnyNumberOfRows_IsThatOfEachRow) {
+  ScriptedAttribute attribute;
+  for (const std::size_t rows : {1U, 255U, 256U, 257U, 511U, 512U, 600U}) {
+    OptimizationVariants matrix;
+    for (std::size_t row = 0; row < rows; ++row) {
+      matrix.append(makeRow("Row"));
+      attribute.standardValue = static_cast<double>(row + 1);
+      if (row % 3 != 2) {
+        matrix.back()->addInput(&attribute);
+      }
+    }
+    matrix[rows / 2] = nullptr;
+    const OptimizationVariantValues<double> values = matrix.standardVal(true, 0);
+    ASSERT_EQ(values.size(), rows);
+    for (std::size_t row = 0; row < rows; ++row) {
+      const bool isEmpty = row % 3 == 2 || row == rows / 2;
+      ASSERT_EQ(values[row], isEmpty ? 0.0 : static_cast<double>(row + 1)) << row << " of " << rows;
+    }
+  }
+}
+
 TEST(OptimizationVariantsTest, StandardVal_EmptyMatrix_IsEmpty) {
   EXPECT_TRUE(OptimizationVariants().standardVal(true, 0).empty());
 }

@@ -67,6 +67,7 @@ std::string SolveRunner::render(std::size_t row, Rendered &rendered) {
 
 void SolveRunner::assess() {
   const SolvingScope scope(m_session);
+  const EmbeddedHost::Project::RunRecords records = m_session.project().runRecords();
   for (std::size_t row = 0; row < m_session.rowCount(); ++row) {
     RowState state;
     state.isInStudyFile = m_session.rowState(row).isInStudyFile;
@@ -78,7 +79,8 @@ void SolveRunner::assess() {
       m_session.setRowState(row, state);
       continue;
     }
-    const EmbeddedHost::RunRecord record = m_session.project().runRecord(*m_session.rowVersion(row));
+    const auto found = records.find(m_session.rowVersion(row));
+    const EmbeddedHost::RunRecord record = found == records.end() ? EmbeddedHost::RunRecord() : found->second;
     if (record.status == RunStatus::Failed || record.status == RunStatus::Running) {
       state.status = RowStatus::Failed;
       // Nothing runs while rows are assessed.

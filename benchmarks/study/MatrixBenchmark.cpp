@@ -30,6 +30,7 @@ constexpr std::size_t kCells = 20; ///< of each side
 
 std::unique_ptr<OptimizationVariant> makeRow(const StudyProject &study, std::size_t row) {
   auto variant = std::make_unique<OptimizationVariant>("Row " + std::to_string(row));
+  variant->reserveCells(kCells, kCells); // as the study does
   for (std::size_t cell = 0; cell < kCells; ++cell) {
     variant->addInput(study.attribute(study.names(true)[cell]));
   }

@@ -169,6 +169,16 @@ std::unique_ptr<Attribute> makeByKind(MemberKind kind, Arguments &&...arguments)
   return std::make_unique<ValueAttribute>(std::forward<Arguments>(arguments)...);
 }
 
+// Kinds without an attribute class of their own share one.
+bool hasOwnClass(MemberKind kind) {
+  return kind == MemberKind::TypeReference || kind == MemberKind::EntityLink ||
+         kind == MemberKind::EntityList || kind == MemberKind::Composite;
+}
+
+bool isSameClass(MemberKind a, MemberKind b) {
+  return a == b || (!hasOwnClass(a) && !hasOwnClass(b));
+}
+
 std::unique_ptr<DetachedSlot> copyOf(const Slot &slot, const Value &value) {
   auto copy = std::make_unique<DetachedSlot>();
   copy->slot.member = slot.member;
@@ -201,6 +211,20 @@ std::unique_ptr<Attribute> makeAttribute(Slot &slot) {
 
 std::unique_ptr<Attribute> makeDetachedAttribute(const Slot &slot, const Value &value) {
   return makeByKind(slot.member->kind, copyOf(slot, value));
+}
+
+void renewDetachedAttribute(std::unique_ptr<Attribute> &copy, const Slot &slot, const Value &value) {
+  auto *holder = copy == nullptr ? nullptr : dynamic_cast<SlotHolder *>(copy.get());
+  DetachedSlot *detached = holder == nullptr ? nullptr : holder->detached();
+  const bool isUsable = detached != nullptr && detached->type == slot.owner->sharedType() &&
+                        isSameClass(detached->slot.member->kind, slot.member->kind) &&
+                        detached->slot.limits == nullptr && slot.limits == nullptr;
+  if (!isUsable) {
+    copy = makeDetachedAttribute(slot, value);
+    return;
+  }
+  detached->slot.value = deepCopy(value);
+  detached->slot.member = slot.member;
 }
 
 std::unique_ptr<Attribute> makeDetachedAttribute(const DetachedSlot &original) {

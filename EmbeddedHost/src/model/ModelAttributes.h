@@ -15,6 +15,11 @@ std::unique_ptr<EntityModel::Attribute> makeAttribute(Slot &slot);
 /// Makes a detached copy of a slot with a value of its own.
 std::unique_ptr<EntityModel::Attribute> makeDetachedAttribute(const Slot &slot, const Value &value);
 
+/// Replaces a detached copy, which may be null, by what makeDetachedAttribute() would make of a slot of the same model.
+/// Changes it in place where it can: as many copies are looked at as a study has cells.
+void renewDetachedAttribute(std::unique_ptr<EntityModel::Attribute> &copy, const Slot &slot,
+                            const Value &value);
+
 /// Makes a copy of a detached copy.
 std::unique_ptr<EntityModel::Attribute> makeDetachedAttribute(const DetachedSlot &original);
 

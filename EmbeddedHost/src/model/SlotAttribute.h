@@ -30,6 +30,8 @@ public:
 
   Slot &slot() { return *m_slot; }
   const Slot &slot() const { return *m_slot; }
+  /// What a detached copy owns; null for an entity's attribute.
+  DetachedSlot *detached() { return m_detached.get(); }
 
 protected:
   const Member &member() const { return *m_slot->member; }

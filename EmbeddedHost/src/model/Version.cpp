@@ -21,7 +21,7 @@ ShownEdit::~ShownEdit() = default;
 
 void ShownEdit::show(const Edit &edit) {
   m_edit = &edit;
-  m_value.reset();
+  m_isValueShown = false;
 }
 
 int ShownEdit::getKind() const {
@@ -29,8 +29,12 @@ int ShownEdit::getKind() const {
 }
 
 const EntityModel::Attribute *ShownEdit::getValue() const {
-  if (m_value == nullptr && getKind() == kValueSet) {
-    m_value = makeDetachedAttribute(*m_edit->slot, m_edit->value);
+  if (getKind() != kValueSet) {
+    return nullptr;
+  }
+  if (!m_isValueShown) {
+    renewDetachedAttribute(m_value, *m_edit->slot, m_edit->value);
+    m_isValueShown = true;
   }
   return m_value.get();
 }

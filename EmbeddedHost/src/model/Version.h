@@ -46,7 +46,9 @@ public:
 
 private:
   const Edit *m_edit = nullptr;
+  /// Of the edit that was last asked for its value; changed in place for the next one.
   mutable std::unique_ptr<EntityModel::Attribute> m_value;
+  mutable bool m_isValueShown = false;
 };
 
 /// One version of the model.

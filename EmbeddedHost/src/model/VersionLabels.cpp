@@ -44,6 +44,7 @@ void VersionTree::removeLabel(Version &version) {
   if (chain.first == &version) {
     chain.first = version.m_sameLabelNext;
     if (chain.first == nullptr) {
+      m_freedLabels += chain.wasAskedFor ? 1 : 0;
       m_labels.erase(entry);
       noteFreeLabel(version.m_marks.label);
     }
@@ -145,6 +146,9 @@ std::string VersionTree::getUniqueName(const std::string &label,
   };
   if (isFree(label)) {
     return label;
+  }
+  if (const auto taken = m_labels.find(label); taken != m_labels.end()) {
+    taken->second.wasAskedFor = true;
   }
   const auto known = m_lowestFree.find(label);
   std::uint64_t number = known == m_lowestFree.end() ? kLowestNumber : known->second;

@@ -2,6 +2,7 @@
 
 #include "EmbeddedHost/src/model/Version.h"
 #include "HostModel/ChangeManager.h"
+#include "HostModel/FreedLabels.h"
 
 #include <functional>
 #include <map>
@@ -27,12 +28,14 @@ struct DestroyedVersion {
 struct SameLabel {
   Version *first = nullptr;
   Version *last = nullptr;
+  /// Somebody who asked for the label was told that it is taken.
+  mutable bool wasAskedFor = false;
 };
 
 /// The versions of a project. Which of them the model shows is a matter of the edits on the way from the root
 /// version to the shown one: leaving a version puts the values back that its edits had replaced, entering one
 /// applies its edits. A switch thus takes as long as the deltas between the two versions are large.
-class VersionTree final : public EntityModel::ChangeManager {
+class VersionTree final : public EntityModel::ChangeManager, public EntityModel::FreedLabels {
 public:
   explicit VersionTree(Model &model);
   ~VersionTree() override;
@@ -112,6 +115,7 @@ public:
                        bool &destroyed) override;
   std::string getVersionFolder(EntityModel::ModelVersion *version, bool create) override;
   bool canBeginPACStudy(EntityModel::ModelVersion *version) const override;
+  std::uint64_t countFreedLabels() const override { return m_freedLabels; }
 
 private:
   friend class Version;
@@ -139,6 +143,8 @@ private:
   std::pmr::unordered_map<std::string, SameLabel> m_labels{&m_labelMemory};
   /// For labels of which variations were asked for: all variations with a lower number are taken.
   mutable std::unordered_map<std::string, std::uint64_t> m_lowestFree;
+  /// Of the labels that were asked for.
+  std::uint64_t m_freedLabels = 0;
   Version *m_root = nullptr;
   Version *m_current = nullptr;
   Version *m_shown = nullptr;

@@ -42,6 +42,10 @@ bool valueOf(const Slot &slot, const std::optional<double> &number, Value &value
   return !(isChoice || isBoolean) || (whole >= (isChoice ? 1 : 0) && whole <= highest);
 }
 
+// In the order in which readRun() takes them.
+constexpr const char *kRunColumns =
+    "status, reason, keys, started_at, duration, command, exit_code, solver_version, log_tail";
+
 // What a run that begins is stored with, whatever the caller had in mind for its end.
 RunRecord begun(const RunRecord &record) {
   RunRecord running = record;
@@ -60,9 +64,12 @@ bool hasEntity(Database &database, std::int64_t number) {
   }
 }
 
-RunRecord lost(RunRecord record) {
-  record.status = RunStatus::Failed;
-  record.reason = kLostRun;
+// Only one program writes at a time, so a run that this one did not begin has nobody left to finish it.
+RunRecord asSeenHere(const Project::Parts &own, std::int64_t version, RunRecord record) {
+  if (record.status == RunStatus::Running && !own.isReadOnly && own.begunRuns.count(version) == 0) {
+    record.status = RunStatus::Failed;
+    record.reason = kLostRun;
+  }
   return record;
 }
 
@@ -169,19 +176,47 @@ RunRecord Project::runRecord(const EntityModel::ModelVersion &version) const {
     return found == own.runs.end() ? RunRecord() : found->second;
   }
   try {
-    Statement row = own.file->database().prepare(
-        "SELECT status, reason, keys, started_at, duration, command, exit_code, solver_version, log_tail "
-        "FROM run WHERE version = ?");
+    Statement row =
+        own.file->database().prepare(std::string("SELECT ") + kRunColumns + " FROM run WHERE version = ?");
     row.bind(1, known->number());
-    RunRecord record = row.step() ? readRun(row, 0) : RunRecord();
-    // Only one program writes at a time, so a run that this one did not begin has nobody left to finish it.
-    const bool isLost =
-        record.status == RunStatus::Running && !own.isReadOnly && own.begunRuns.count(known->number()) == 0;
-    return isLost ? lost(std::move(record)) : record;
+    return row.step() ? asSeenHere(own, known->number(), readRun(row, 0)) : RunRecord();
   } catch (const DatabaseError &) {
     // A record that cannot be read is as good as none: the version is solved again.
     return {};
   }
+}
+
+Project::RunRecords Project::runRecords() const {
+  const Parts &own = *m_parts;
+  const auto &versions = own.model.tree().versions();
+  RunRecords records;
+  if (own.file == nullptr) {
+    for (const auto &[number, record] : own.runs) {
+      if (const auto version = versions.find(number); version != versions.end()) {
+        records.emplace(version->second.get(), record);
+      }
+    }
+    return records;
+  }
+  try {
+    Statement row = own.file->database().prepare(std::string("SELECT version, ") + kRunColumns + " FROM run");
+    while (row.step()) {
+      const std::int64_t number = row.integer(0);
+      if (const auto version = versions.find(number); version != versions.end()) {
+        records.emplace(version->second.get(), asSeenHere(own, number, readRun(row, 1)));
+      }
+    }
+  } catch (const DatabaseError &) {
+    // What cannot be read with all others may be readable by itself.
+    records.clear();
+    for (const auto &[number, version] : versions) {
+      RunRecord record = runRecord(*version);
+      if (record.status != RunStatus::None) {
+        records.emplace(version.get(), std::move(record));
+      }
+    }
+  }
+  return records;
 }
 
 bool Project::beginRun(EntityModel::ModelVersion &version, const RunRecord &record,

@@ -1,0 +1,7 @@
+#include "HostModel/FreedLabels.h"
+
+namespace EntityModel {
+
+FreedLabels::~FreedLabels() = default;
+
+} // namespace EntityModel
