@@ -135,6 +135,7 @@ TEST_F(OptimizationDataScaleTest, LoadRows_GroupComesDuringTheProgress_LaterRows
   load(&progress);
 
   EXPECT_EQ(study.data().getVariantGroup(true, 1, 2), nullptr);
+  ASSERT_NE(study.data().getVariantGroup(true, 2, 2), nullptr);
   EXPECT_EQ(study.data().getVariantGroup(true, 2, 2)->getValueAsString(), "20");
 }
 

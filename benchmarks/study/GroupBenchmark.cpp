@@ -6,7 +6,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <array>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -136,7 +135,8 @@ void measureGroups(const Setting &setting, BarList &bars) {
 
   std::cout << "\n1  Groups of " << kVariables << " variables; what is asked for stands last\n";
   const std::size_t first = bars.size();
-  Table table({"", "groups", "by hand", "study", "x by hand", "growth", "allocations by hand", "study"});
+  Table table(
+      {"", "groups", "by hand", "growth", "study", "growth", "x by hand", "allocations by hand", "study"});
   const std::size_t kinds = questions.front().size();
   for (std::size_t kind = 0; kind < kinds; ++kind) {
     for (std::size_t at = 0; at < questions.size(); ++at) {
@@ -144,14 +144,15 @@ void measureGroups(const Setting &setting, BarList &bars) {
       const double *of = &seconds[2 * (at * kinds + kind)];
       const std::size_t byHand = allocationsOf(question.byHand);
       const std::size_t asked = allocationsOf(question.ask);
-      const double before = at == 0 ? 0.0 : seconds[2 * ((at - 1) * kinds + kind) + 1];
-      table.add({question.name, std::to_string(setting.groups[at]), duration(of[0]), duration(of[1]),
-                 fixed(of[1] / of[0], 2), at == 0 ? "" : fixed(of[1] / before, 2), std::to_string(byHand),
+      const double *before = at == 0 ? of : &seconds[2 * ((at - 1) * kinds + kind)];
+      table.add({question.name, std::to_string(setting.groups[at]), duration(of[0]),
+                 at == 0 ? "" : fixed(of[0] / before[0], 2), duration(of[1]),
+                 at == 0 ? "" : fixed(of[1] / before[1], 2), fixed(of[1] / of[0], 2), std::to_string(byHand),
                  std::to_string(asked)});
       if (at > 0) {
         bars.judge(question.name + ": " + std::to_string(setting.groups[at]) + " groups / " +
                        std::to_string(setting.groups[at - 1]),
-                   of[1] / before, 15.0, std::nullopt);
+                   of[1] / before[1], 15.0, std::nullopt);
       }
       if (at + 1 == questions.size()) {
         bars.judge(question.name + ": allocations more than by hand",

@@ -1,6 +1,7 @@
 #include "benchmarks/study/Benchmarks.h"
 #include "benchmarks/study/StudyProject.h"
 
+#include <algorithm>
 #include <iostream>
 
 namespace StudyBenchmark {
