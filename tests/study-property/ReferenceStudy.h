@@ -27,48 +27,56 @@ private:
   bool m_previous;
 };
 
+struct ReferenceVariable {
+  int part = 0;
+  std::string path;
+  std::string minimum, maximum, step, lowBound, highBound;
+  bool isLowBoundOn = false;
+  bool isHighBoundOn = false;
+};
+struct ReferenceGroup {
+  std::string name;
+  std::vector<ReferenceVariable> variables;
+};
+struct StoredStudy {
+  std::string base, copy, cost;
+  int target = 0;
+  bool hasConfiguration = false;
+  std::array<std::vector<ReferenceGroup>, 2> groups; ///< [0] outputs, [1] inputs
+};
+struct ReferenceRow {
+  std::string name;
+  std::array<std::vector<std::optional<Value>>, 2> cells; ///< as the groups
+  std::optional<double> cost;
+};
+struct ReferenceTerm {
+  double factor;
+  std::string macro;
+};
+struct ReferenceCalculator {
+  double constant = 0.0;
+  std::vector<ReferenceTerm> terms;
+  std::map<std::string, double> variables;
+};
+/// What the manager holds.
+struct ReferenceHeld {
+  int study = 0;
+  std::vector<ReferenceRow> rows;
+  std::optional<ReferenceCalculator> calculator;
+  bool hasError = false;
+};
+
 /// What a project with studies has to be after each operation, worked out from what the operations promise and with
 /// nothing of the library. Operations have the names that they have there. What they throw is a Refusal.
 class ReferenceStudy {
 public:
-  struct Variable {
-    int part = 0;
-    std::string path;
-    std::string minimum, maximum, step, lowBound, highBound;
-    bool isLowBoundOn = false;
-    bool isHighBoundOn = false;
-  };
-  struct Group {
-    std::string name;
-    std::vector<Variable> variables;
-  };
-  struct Study {
-    std::string base, copy, cost;
-    int target = 0;
-    bool hasConfiguration = false;
-    std::array<std::vector<Group>, 2> groups; ///< [0] outputs, [1] inputs
-  };
-  struct Row {
-    std::string name;
-    std::array<std::vector<std::optional<Value>>, 2> cells; ///< as the groups
-    std::optional<double> cost;
-  };
-  struct Term {
-    double factor;
-    std::string macro;
-  };
-  struct Calculator {
-    double constant = 0.0;
-    std::vector<Term> terms;
-    std::map<std::string, double> variables;
-  };
-  /// What the manager holds.
-  struct Held {
-    int study = 0;
-    std::vector<Row> rows;
-    std::optional<Calculator> calculator;
-    bool hasError = false;
-  };
+  using Variable = ReferenceVariable;
+  using Group = ReferenceGroup;
+  using Study = StoredStudy;
+  using Row = ReferenceRow;
+  using Term = ReferenceTerm;
+  using Calculator = ReferenceCalculator;
+  using Held = ReferenceHeld;
 
   explicit ReferenceStudy(Mistake wrongIdea) : mistake(wrongIdea) {}
 

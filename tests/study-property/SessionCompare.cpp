@@ -22,7 +22,7 @@ void Session::compare() {
     const std::string wanted = line < expected.size() ? expected[line] : "(nothing)";
     const std::string found = line < actual.size() ? actual[line] : "(nothing)";
     if (wanted != found) {
-      m_problem += "  reference: " + wanted + "\n  library:   " + found + "\n";
+      m_problem.append("  reference: ").append(wanted).append("\n  library:   ").append(found).append("\n");
     }
   }
 }
