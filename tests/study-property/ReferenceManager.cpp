@@ -75,13 +75,17 @@ void ReferenceStudy::initializeVersion() {
   }
   held.emplace();
   held->study = found;
-  study().hasConfiguration = study().hasConfiguration || model.versions.at(model.current).studyType == 3;
-  fix(study());
+  construct();
   held->rows = loaded(false);
   if (const int base = model.find(study().base); base != ReferenceModel::kNone) {
     model.current = base;
   }
   updateCostCalculator();
+}
+
+void ReferenceStudy::construct() {
+  study().hasConfiguration = study().hasConfiguration || model.versions.at(model.current).studyType == 3;
+  fix(study());
 }
 
 void ReferenceStudy::beginStudy(int type) {

@@ -107,6 +107,8 @@ public:
   /// @{
   int studyOf(const std::string &label) const;
   void initializeVersion();
+  /// What making a study data object does to the stored study.
+  void construct();
   void beginStudy(int type);
   void endStudy(bool deletesVersions);
   bool canBeginStudy(int version) const;

@@ -218,7 +218,7 @@ void Session::loadAfresh() {
       "the study loaded afresh",
       [&] {
         const ReferenceStudy::Held held = *m_reference.held;
-        m_reference.fix(m_reference.study());
+        m_reference.construct();
         m_reference.held->rows = m_reference.loaded(false);
         m_reference.updateCostCalculator();
         const Texts lines = rowLines(m_reference);
