@@ -2,6 +2,7 @@
 
 #include "testing/WrappedHost.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -9,7 +10,7 @@
 namespace HostTesting {
 
 enum class FaultKind {
-  /// The operation has no effect; it answers false, null, "", 0 or an empty range.
+  /// The operation has no effect; it answers false, null, "", 0, -1 for a position, or an empty range.
   Refused,
   /// The operation has no effect and answers null.
   Null,
@@ -42,6 +43,10 @@ public:
   /// Lets nothing fail any more and counts from 0 again.
   void heal();
 
+  /// What is told of each strike before the call fails. Calls that it makes of the host are spared and not counted.
+  using StrikeAction = std::function<void(const HostCall &call)>;
+  void setStrikeAction(StrikeAction action);
+
   /// How often a fault has struck since the last heal().
   int strikes() const { return m_strikes; }
   /// How often an operation was called since the last heal(), faults included.
@@ -60,6 +65,8 @@ private:
 
   std::map<std::string, Fault> m_faults;
   std::map<std::string, int> m_occurrences;
+  StrikeAction m_strikeAction;
+  bool m_isStriking = false;
   int m_strikes = 0;
 };
 

@@ -24,7 +24,7 @@ struct HostCall {
 /// What becomes of an intercepted call.
 enum class Verdict {
   Proceed,
-  /// Not made; its answer is the neutral one: false, null, an empty text, 0, an empty range.
+  /// Not made; its answer is the neutral one: false, null, an empty text, 0, -1 for a position, an empty range.
   Refuse,
 };
 

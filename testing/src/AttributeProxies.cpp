@@ -210,8 +210,14 @@ public:
         named("index", index));
   }
   int indexOf(const Entity *entity) const override {
+    // Refused, the list holds nothing; 0 would be the answer for another entity.
+    struct Position {
+      int index = -1;
+    };
     return call(
-        "ListAttribute::indexOf", [&] { return m_original.indexOf(m_context.unwrap(entity)); }, entity);
+               "ListAttribute::indexOf",
+               [&] { return Position{m_original.indexOf(m_context.unwrap(entity))}; }, entity)
+        .index;
   }
   bool moveEntity(Entity *entity, int to) override {
     return call(

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 namespace HostTesting {
 
@@ -63,13 +64,17 @@ void FaultyHost::heal() {
   m_strikes = 0;
 }
 
+void FaultyHost::setStrikeAction(StrikeAction action) {
+  m_strikeAction = std::move(action);
+}
+
 int FaultyHost::occurrences(const std::string &operation) const {
   const auto found = m_occurrences.find(operationNamed(operation).name);
   return found == m_occurrences.end() ? 0 : found->second;
 }
 
 Verdict FaultyHost::intercept(const HostCall &call) {
-  if (call.isByHost && !isBroadcast(call.operation)) {
+  if (m_isStriking || (call.isByHost && !isBroadcast(call.operation))) {
     return Verdict::Proceed;
   }
   ++m_occurrences[call.operation.name];
@@ -83,7 +88,13 @@ Verdict FaultyHost::intercept(const HostCall &call) {
     return Verdict::Proceed;
   }
   ++m_strikes;
-  if (fault.kind == FaultKind::Throws) {
+  const FaultKind kind = fault.kind;
+  if (m_strikeAction) {
+    m_isStriking = true;
+    m_strikeAction(call);
+    m_isStriking = false;
+  }
+  if (kind == FaultKind::Throws) {
     throw std::runtime_error("injected fault");
   }
   return Verdict::Refuse;

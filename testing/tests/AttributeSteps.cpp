@@ -175,7 +175,7 @@ std::vector<OperationStep> compositeSteps() {
          p.scene.parts.entities = {&p.scene.box, &p.scene.fan};
          return shown(p.parts->indexOf(p.fan));
        },
-       "1", "0"},
+       "1", "-1"},
       {"ListAttribute::moveEntity",
        [](SceneProxies &p) {
          p.scene.parts.entities = {&p.scene.box, &p.scene.fan};

@@ -125,6 +125,23 @@ TEST_F(FaultyHostTest, SecondOccurrence_FailsOnce) {
   EXPECT_EQ(m_faulty.occurrences("ModelVersion::getLabel"), 3);
 }
 
+TEST_F(FaultyHostTest, StrikeAction_SeesTheCallBeforeItFails) {
+  std::vector<std::string> calls;
+  m_faulty.setStrikeAction([&](const HostCall &call) {
+    calls.push_back(std::string(call.operation.name) + "(" + call.arguments() + ") " +
+                    m_proxies.second->getLabel() + " " + std::to_string(m_faulty.strikes()));
+  });
+  m_faulty.fail("ModelVersion::getLabel", FaultKind::Throws, 2);
+  EXPECT_EQ(m_proxies.base->getLabel(), "Base");
+  EXPECT_EQ(messageOf([&] { static_cast<void>(m_proxies.base->getLabel()); }), "injected fault");
+  EXPECT_EQ(calls, std::vector<std::string>({"ModelVersion::getLabel(\"Base\") Second 1"}));
+  EXPECT_EQ(m_faulty.occurrences("ModelVersion::getLabel"), 2);
+  m_faulty.setStrikeAction(nullptr);
+  m_faulty.fail("ModelVersion::getLabel", FaultKind::Refused);
+  EXPECT_EQ(m_proxies.base->getLabel(), "");
+  EXPECT_EQ(calls.size(), 1U);
+}
+
 TEST_F(FaultyHostTest, Always_FailsEveryTime) {
   m_faulty.fail("ModelVersion::getLabel", FaultKind::Refused);
   EXPECT_EQ(m_proxies.base->getLabel(), "");
