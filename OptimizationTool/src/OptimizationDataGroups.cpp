@@ -24,6 +24,26 @@ void addCell(OptimizationVariant &variant, bool isInput, const Attribute *attrib
   }
 }
 
+// Appends a cell to every row. When a value cannot be had, that row and the ones after it get an empty cell before the
+// exception goes on: the group is stored by then, and each row has one cell for each group.
+template <class ValueOf> void appendColumn(OptimizationVariants &rows, bool isInput, const ValueOf &valueOf) {
+  std::size_t index = 0;
+  try {
+    for (; index < rows.size(); ++index) {
+      if (OptimizationVariant *row = rows.get(index)) {
+        addCell(*row, isInput, valueOf(*row));
+      }
+    }
+  } catch (...) {
+    for (; index < rows.size(); ++index) {
+      if (OptimizationVariant *row = rows.get(index)) {
+        addCell(*row, isInput, nullptr);
+      }
+    }
+    throw;
+  }
+}
+
 } // namespace
 
 int OptimizationData::addGroup(bool isInput, Attribute *attribute) {
@@ -43,16 +63,20 @@ int OptimizationData::addGroup(bool isInput, Entity *entity, const AttributePath
   if (!group || !self) {
     return -1;
   }
-  group.appendVariable(entity, path);
-  if (!self) {
-    return -1;
-  }
-  const Attribute *value = group.getAttribute(0);
-  for (const auto &variant : m_variants) {
-    if (variant != nullptr) {
-      addCell(*variant, isInput, value);
+  const Attribute *value = nullptr;
+  try {
+    group.appendVariable(entity, path);
+    if (!self) {
+      return -1;
     }
+    value = group.getAttribute(0);
+  } catch (...) {
+    if (self) {
+      appendColumn(m_variants, isInput, [](const OptimizationVariant & /*row*/) { return nullptr; });
+    }
+    throw;
   }
+  appendColumn(m_variants, isInput, [value](const OptimizationVariant & /*row*/) { return value; });
   EntityManager::setNeedsSave(true);
   return group.getIndex();
 }
@@ -64,14 +88,10 @@ int OptimizationData::addGroupFromGroup(bool isInput, int sourceGroupIndex) {
   if (!group || !self) {
     return -1;
   }
-  for (const auto &variant : m_variants) {
-    if (variant != nullptr) {
-      const Attribute *source =
-          sourceGroupIndex < 0 ? nullptr
-                               : variant->getAttribute(isInput, static_cast<std::size_t>(sourceGroupIndex));
-      addCell(*variant, isInput, source);
-    }
-  }
+  appendColumn(m_variants, isInput, [isInput, sourceGroupIndex](const OptimizationVariant &row) {
+    return sourceGroupIndex < 0 ? nullptr
+                                : row.getAttribute(isInput, static_cast<std::size_t>(sourceGroupIndex));
+  });
   EntityManager::setNeedsSave(true);
   return group.getIndex();
 }
