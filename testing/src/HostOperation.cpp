@@ -11,8 +11,9 @@ using Result = OperationResult;
 
 } // namespace
 
+// These tables are never destroyed: an object that lives to the end of the process still asks its host then.
 const std::vector<HostOperation> &hostOperations() {
-  static const std::vector<HostOperation> operations = {
+  static const auto &operations = *new std::vector<HostOperation>{
       {"Host::getEntityEditor", Effect::Query, Result::Pointer},
       {"Host::getEntityManager", Effect::Query, Result::Pointer},
       {"Host::getStudyTypeNames", Effect::Query, Result::Pointer},
@@ -138,8 +139,8 @@ const std::vector<HostOperation> &hostOperations() {
 }
 
 const HostOperation *findHostOperation(std::string_view name) {
-  static const auto index = [] {
-    std::unordered_map<std::string_view, const HostOperation *> byName;
+  static const auto &index = []() -> const std::unordered_map<std::string_view, const HostOperation *> & {
+    auto &byName = *new std::unordered_map<std::string_view, const HostOperation *>;
     for (const HostOperation &operation : hostOperations()) {
       byName.emplace(operation.name, &operation);
     }
