@@ -8,6 +8,7 @@
 
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace StudyFaults {
 
@@ -61,8 +62,9 @@ std::unique_ptr<Project> makeProject() {
 } // namespace
 
 Stage::Stage()
-    : m_project(makeProject()), m_adjusted(*m_project), m_faults(m_adjusted), m_installed(m_faults),
-      m_commands(*m_project), m_fan(m_project->createEntity("Part", m_project->rootEntity(), "Parts", "Fan")),
+    : m_project(makeProject()), m_adjusted(*m_project), m_faults(m_adjusted),
+      m_installed(std::in_place, m_faults), m_commands(*m_project),
+      m_fan(m_project->createEntity("Part", m_project->rootEntity(), "Parts", "Fan")),
       m_pump(m_project->createEntity("Part", m_project->rootEntity(), "Parts", "Pump")) {
   // Made while a host is installed, so that it hears of what happens.
   manager();

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace StudyFaults {
@@ -29,6 +30,9 @@ public:
   Stage &operator=(const Stage &) = delete;
   /// Closes the project, which leaves the manager without a study.
   ~Stage();
+
+  /// No host is installed any more; the manager keeps its study.
+  void uninstall() { m_installed.reset(); }
 
   void beginStudy();
   void addGroups();
@@ -59,7 +63,7 @@ private:
   std::unique_ptr<EmbeddedHost::Project> m_project;
   StudyTesting::AdjustedHost m_adjusted;
   HostTesting::FaultyHost m_faults;
-  HostModel::HostInstallation m_installed;
+  std::optional<HostModel::HostInstallation> m_installed;
   EmbeddedHost::Commands m_commands;
   EntityModel::Entity *m_fan = nullptr;
   EntityModel::Entity *m_pump = nullptr;
