@@ -124,15 +124,14 @@ void judgeCurrent(const Flow &flow, const Fault &fault, const Aftermath &seen, F
   if (!seen.thrown.empty() || current == end) {
     return;
   }
-  if (fault.operation == "ChangeManager::setCurrentVersion") {
-    if (isTarget(seen.last.call, end) && current == seen.last.current) {
-      return;
-    }
-  } else if (isOneOf(fault.operation, {"ChangeManager::getCurrentVersion", "ChangeManager::findVersion",
-                                       "EntityManager::getChangeManager", "Host::getEntityManager"})) {
-    return;
-  } else if (flow.rules.appendsRows && isQuery(fault.operation) && current == seen.before.current) {
-    // The name of the baseline is not found.
+  const bool isWayBackRefused = fault.operation == "ChangeManager::setCurrentVersion" &&
+                                isTarget(seen.last.call, end) && current == seen.last.current;
+  const bool isBeginningUntold =
+      isOneOf(fault.operation, {"ChangeManager::getCurrentVersion", "ChangeManager::findVersion",
+                                "EntityManager::getChangeManager", "Host::getEntityManager"});
+  const bool isBaselineNameUntold =
+      flow.rules.appendsRows && isQuery(fault.operation) && current == seen.before.current;
+  if (isWayBackRefused || isBeginningUntold || isBaselineNameUntold) {
     return;
   }
   findings.push_back("another version is current: " + current);

@@ -191,9 +191,9 @@ void checkValues(Stage &stage, std::size_t row, double first) {
 void addRow(Stage &stage) {
   constexpr double kFirst = 31.0;
   OptimizationData &data = Stage::data();
-  std::vector<std::string> values;
-  for (int group = 0; group < data.getNumInputs(); ++group) {
-    values.push_back(std::to_string(31 + group));
+  std::vector<std::string> values(static_cast<std::size_t>(data.getNumInputs()));
+  for (std::size_t group = 0; group < values.size(); ++group) {
+    values[group] = std::to_string(31 + group);
   }
   const std::size_t rowsBefore = data.getNumVariants();
   const std::size_t row = data.addVariant(values, kRow, std::numeric_limits<std::uint64_t>::max());
