@@ -117,8 +117,8 @@ TEST_P(SolvingOrderTest, SameCallsInOrder_WithTheSolvingStateAtEach) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Flows, SolvingOrderTest, ::testing::ValuesIn(solvingFlows()),
-                         [](const ::testing::TestParamInfo<SolvingFlow> &info) {
-                           return std::string(info.param.name);
+                         [](const ::testing::TestParamInfo<SolvingFlow> &flow) {
+                           return std::string(flow.param.name);
                          });
 
 TEST(OptimizationDataSolvingOrderTest, UpdateAlternate_WhileSolving_CallsInOrder) {
