@@ -10,6 +10,7 @@ asan_packages=("${test_packages[@]}" clang libclang-rt-dev llvm)
 bench_packages=("${run_packages[@]}" libbenchmark-dev libmuparser-dev)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-dev llvm)
 coverage_packages=("${test_packages[@]}" clang libclang-rt-dev llvm python3)
+mutate_packages=("${test_packages[@]}" git python3 util-linux binutils)
 lint_packages=("${build_packages[@]}" libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev git python3
   clang-format clang-tidy)
 docs_packages=(doxygen)
