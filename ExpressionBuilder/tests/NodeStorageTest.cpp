@@ -101,5 +101,44 @@ TEST(NodeStorageTest, ThreadsReleasingEachOthersNodes_LoseNone) {
   }
 }
 
+/// Makes nodes when its thread ends.
+struct LateMaker {
+  ~LateMaker() {
+    if (nodes != nullptr) {
+      for (int i = 0; i < 3; ++i) {
+        nodes->push_back(std::make_unique<ElementConstant<double>>(1.5 + i));
+      }
+    }
+  }
+  std::vector<std::unique_ptr<ElementAbstract>> *nodes = nullptr;
+};
+
+TEST(NodeStorageTest, NodesMadeWhileAThreadEnds_LiveOnAndAreReleasedByOthers) {
+  std::vector<std::unique_ptr<ElementAbstract>> nodes;
+  std::thread([&nodes] {
+    // Made before the thread's first node, it goes after all that the thread has for its nodes.
+    thread_local LateMaker maker;
+    maker.nodes = &nodes;
+    const ElementConstant<double> *const first = new ElementConstant<double>(0.5);
+    delete first;
+  }).join();
+  ASSERT_EQ(nodes.size(), 3U);
+  const std::set<const void *> places{nodes[0].get(), nodes[1].get(), nodes[2].get()};
+  EXPECT_EQ(places.size(), 3U);
+  EXPECT_TRUE(nodes[2]->equals(ElementConstant<double>(3.5)));
+  nodes.clear();
+}
+
+TEST(NodeStorageTest, Release_OfNothing_TakesNoNodeAway) {
+  auto *const node = static_cast<unsigned char *>(NodeStorage::allocate(16));
+  std::memset(node, 0x5A, 16);
+  NodeStorage::release(nullptr);
+  auto *const next = static_cast<unsigned char *>(NodeStorage::allocate(16));
+  EXPECT_NE(next, node);
+  EXPECT_EQ(node[15], 0x5A);
+  NodeStorage::release(next);
+  NodeStorage::release(node);
+}
+
 } // namespace
 } // namespace ExpressionBuilder

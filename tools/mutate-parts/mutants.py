@@ -95,7 +95,8 @@ class Finder:
         token, function = self.tokens[position], self.source.functions[position]
         before, behind = self.at(position - 1), self.at(position + 1)
         if token.kind == "number" and re.fullmatch(r"\d+[uUlLzZ]*", token.text):
-            if before == "," and self.is_field_width(position):
+            is_in_type = behind == ">" and self.text[token.end] == ">"
+            if is_in_type or (before == "," and self.is_field_width(position)):
                 return
             value = int(re.match(r"\d+", token.text)[0])
             suffix = token.text[len(str(value)) :]
@@ -103,7 +104,7 @@ class Finder:
                 self.add("shift index", self.tokens[position - 1].start, token.end, str(1 - value) if value == 1 else f"-{value - 1}", function)
             else:
                 self.add("shift index", token.start, token.end, f"{value + 1}{suffix}", function)
-        elif token.kind == "word" and token.text in self.index_names() and before in ("(", ",", "[") and behind in (")", ",", "]"):
+        elif token.kind == "word" and before in ("(", ",", "[") and behind in (")", ",", "]") and self.is_index(position):
             if before == "[" and self.is_capture(position):
                 return
             for shift in ("+ 1", "- 1"):
@@ -122,13 +123,19 @@ class Finder:
     def is_capture(self, position):
         return self.at(position - 2) in ("(", ",", "=", "return")
 
-    def index_names(self):
-        if not hasattr(self, "names"):
-            self.names = set()
-            for token, name in zip(self.tokens, self.tokens[1:]):
-                if token.text in INDEX_TYPES and name.kind == "word":
-                    self.names.add(name.text)
-        return self.names
+    def is_index(self, position):
+        """Whether the name's last declaration before this place is that of a number."""
+        name = self.at(position)
+        for earlier in range(position - 1, 0, -1):
+            if self.at(earlier) != name:
+                continue
+            before = self.tokens[earlier - 1]
+            if before.text in INDEX_TYPES:
+                return True
+            is_pointer = before.text in ("*", "&") and self.text[before.start - 1] == " " and before.end == self.tokens[earlier].start
+            if is_pointer and self.tokens[earlier - 2].kind == "word":
+                return False
+        return False
 
     def writes(self, statement):
         texts = [token.text for token in self.tokens[statement.first : statement.last + 1]]
