@@ -18,7 +18,8 @@ using StudyTesting::VersionListener;
 constexpr std::uint64_t kAtEnd = std::numeric_limits<std::uint64_t>::max();
 
 TEST(OptimizationDataVariantAddingNoticeTest, VersionRenamedWhileItIsLeft_IsNamedAsItWasBefore) {
-  RecordedStudy study;
+  // A host that says nothing of its own.
+  RecordedStudy study(EmbeddedHost::HostBehaviour{false, false});
   study.begin();
   std::vector<std::string> names;
   const VersionListener listener([&names](const std::string &name) { names.push_back(name); });
