@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <iostream>
 #include <memory>
@@ -67,8 +68,13 @@ const ExpressionCase &caseNamed(const Setting &setting, const std::string &name)
   return *found;
 }
 
+// Bit for bit.
 bool isSame(double a, double b) {
-  return std::memcmp(&a, &b, sizeof a) == 0;
+  std::uint64_t bitsOfA = 0;
+  std::uint64_t bitsOfB = 0;
+  std::memcpy(&bitsOfA, &a, sizeof a);
+  std::memcpy(&bitsOfB, &b, sizeof b);
+  return bitsOfA == bitsOfB;
 }
 
 // How many rows have the cost that an expression gives of which all variables were set for the row. The values are
