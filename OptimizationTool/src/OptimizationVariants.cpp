@@ -36,6 +36,13 @@ OptimizationVariant *rowAt(const Rows &rows, std::size_t index) {
   return index < rows.size() ? rows[index].get() : nullptr;
 }
 
+// Asks for memory that is going to be read; any address will do.
+void fetchSoon([[maybe_unused]] const void *memory) {
+#if defined(__GNUC__)
+  __builtin_prefetch(memory);
+#endif
+}
+
 } // namespace
 
 OptimizationVariants::OptimizationVariants() = default;
@@ -131,8 +138,12 @@ OptimizationVariantValues<double> OptimizationVariants::standardVal(bool isInput
   for (std::size_t first = 0; first < m_rows.size(); first += kBlock) {
     const std::size_t count = std::min(kBlock, m_rows.size() - first);
     for (std::size_t row = 0; row < count; ++row) {
+      fetchSoon(m_rows[first + row].get());
+    }
+    for (std::size_t row = 0; row < count; ++row) {
       const OptimizationVariant *variant = m_rows[first + row].get();
       cells[row] = variant == nullptr ? nullptr : variant->getAttribute(isInput, index);
+      fetchSoon(cells[row]);
     }
     for (std::size_t row = 0; row < count; ++row) {
       if (cells[row] != nullptr) {
