@@ -11,6 +11,12 @@
 namespace EmbeddedHost {
 
 class CappedStream;
+class SolverSupervisors;
+class Supervisor;
+
+namespace Supervision {
+struct ReportMessage;
+}
 
 /// One run of a solver: what is started, where, and within which limits.
 struct SolverCommand {
@@ -23,19 +29,23 @@ struct SolverCommand {
   /// Added to the inherited environment, replacing variables of the same name. OMP_NUM_THREADS is 1 unless it
   /// is named here or inherited, because solvers that run side by side would fight for the processors.
   std::map<std::string, std::string> environment;
-  std::chrono::milliseconds timeLimit{0};    ///< 0: none
+  /// 0: none. Time in which this program is suspended, and its solvers with it, does not count.
+  std::chrono::milliseconds timeLimit{0};
   std::chrono::milliseconds graceTime{2000}; ///< between SIGTERM and SIGKILL
   std::size_t outputLimit =
       std::size_t{16} * 1024 * 1024; ///< bytes kept of each stream; the rest is discarded
+  /// Bytes of the largest file that the solver may write, 0: no limit. The solver is sent SIGXFSZ when it goes on.
+  std::size_t fileSizeLimit = 0;
 };
 
 enum class SolverEnd {
   Running,
-  Exited,    ///< by itself; see exitCode
-  Signalled, ///< by a signal that was not ours; see signal
-  TimedOut,  ///< ended by us at the time limit
-  Stopped,   ///< ended by us on request
-  NotStarted ///< see problem
+  Exited,     ///< by itself; see exitCode
+  Signalled,  ///< by a signal that was not ours; see signal
+  TimedOut,   ///< ended by us at the time limit
+  Stopped,    ///< ended by us on request
+  NotStarted, ///< see problem
+  Lost        ///< its supervisor ended before it and took it along; see problem
 };
 
 /// How a solver's run ended.
@@ -43,8 +53,8 @@ struct SolverOutcome {
   SolverEnd end = SolverEnd::Running;
   int exitCode = 0;
   int signal = 0;
-  bool outputTruncated = false; ///< a stream was longer than the limit
-  std::chrono::milliseconds wallTime{0};
+  bool outputTruncated = false;          ///< a stream was longer than the limit
+  std::chrono::milliseconds wallTime{0}; ///< without the time in which it was suspended with this program
   std::string problem; ///< why it did not start, or why its output could not be kept; empty when all is well
 };
 
@@ -55,31 +65,34 @@ struct SolverOutcome {
 std::optional<std::string> findProgram(const std::string &name, const std::string &baseFolder,
                                        const std::string &searchPath);
 
-/// A running solver. It is started without a shell, in a process group of its own (so that a Ctrl-C at the
-/// terminal does not reach it), with every signal at its default, with standard input empty and with no other
-/// file inherited. Nothing here waits, apart from waitForAny() and the destructor, so that several run side
-/// by side from one thread: call poll() whenever waitForAny() returns. When the solver itself has ended,
-/// whatever is left of its process group is killed.
+/// A running solver. It is started by a supervisor (see SolverSupervisors), without a shell, in a process group of its
+/// own, without a terminal, with every signal at its default, with standard input empty and with no other file
+/// inherited. Nothing here waits for longer than a start takes, apart from waitForAny() and the destructor, so that
+/// several run side by side from one thread: call poll() whenever waitForAny() returns. When the solver itself has ended,
+/// or this program has, whatever the solver has started is killed; a run has not ended before that is done.
 class SolverProcess {
 public:
+  /// With a supervisor of its own, which is started for this one run.
   explicit SolverProcess(SolverCommand command);
+  /// \param supervisors  kept by reference; a supervisor is taken from there and given back
+  SolverProcess(SolverCommand command, SolverSupervisors &supervisors);
   SolverProcess(const SolverProcess &) = delete;
   SolverProcess &operator=(const SolverProcess &) = delete;
-  /// Kills the process group at once and reaps the solver when it still runs.
+  /// Kills the run at once, with everything that it has started, when it still runs.
   ~SolverProcess();
 
   /// Starts the solver. Call it once.
   /// \return false when it could not be started; outcome() then is NotStarted with the problem
   bool start();
 
-  /// Keeps what the solver has written, enforces the limits and notices the end. Never blocks.
+  /// Keeps what the solver has written and notices the end. Never blocks. The limits hold whether it is called or not.
   /// \return true when the run has ended, however it ended
   bool poll();
 
-  /// Asks the process group to end: SIGTERM now, SIGKILL after the grace time. poll() does the rest.
+  /// Asks the process group to end: SIGTERM now, SIGKILL after the grace time. poll() tells when it has.
   void stop();
 
-  /// Sends SIGKILL to the process group. poll() does the rest.
+  /// Sends SIGKILL to the process group. poll() tells when it has ended.
   void kill();
 
   const SolverOutcome &outcome() const { return m_outcome; }
@@ -91,23 +104,22 @@ public:
 private:
   using Clock = std::chrono::steady_clock;
 
-  bool isRunning() const { return m_pid > 0; }
+  bool isRunning() const { return m_supervisor != nullptr; }
   bool failToStart(std::string problem);
-  void enforceLimits(Clock::time_point now);
-  void signalGroup(int number) const;
-  void reap();
+  bool runRequest(int request, std::string &problem);
   void keepOutput(std::size_t most);
-  std::optional<Clock::time_point> nextDeadline() const;
+  void closeStreams();
+  void conclude(const Supervision::ReportMessage &report);
+  void concludeLost();
 
   SolverCommand m_command;
   SolverOutcome m_outcome;
+  std::unique_ptr<SolverSupervisors> m_ownSupervisors;
+  SolverSupervisors &m_supervisors;
   std::unique_ptr<CappedStream> m_output;
   std::unique_ptr<CappedStream> m_error;
-  int m_pid = 0;
-  int m_pidDescriptor = -1;
-  SolverEnd m_endedByUs = SolverEnd::Running;
+  std::unique_ptr<Supervisor> m_supervisor; // as long as it runs
   Clock::time_point m_started;
-  std::optional<Clock::time_point> m_killAt;
 };
 
 } // namespace EmbeddedHost

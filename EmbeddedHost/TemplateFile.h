@@ -74,11 +74,14 @@ public:
   const std::vector<TemplatePlaceholder> &placeholders() const { return m_placeholders; }
 
   /// The text with every placeholder filled.
+  /// \param warnings  when given, receives every number that is longer than kLongestNumber
   /// \return empty when a value is missing or cannot be written in the form asked for; every such placeholder
-  /// is
-  ///         added to `problems`
-  std::optional<std::string> render(const TemplateValueSource &values,
-                                    std::vector<FileProblem> &problems) const;
+  ///         is added to `problems`
+  std::optional<std::string> render(const TemplateValueSource &values, std::vector<FileProblem> &problems,
+                                    std::vector<FileProblem> *warnings = nullptr) const;
+
+  /// Some solvers read this many characters of a number and silently leave out the rest.
+  static constexpr std::size_t kLongestNumber = 20;
 
 private:
   std::string m_name;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "Workbench/Console.h"
 #include "Workbench/SolveRunner.h"
 
-#include <functional>
+#include <cstddef>
 #include <iosfwd>
 
 namespace Workbench {
@@ -11,9 +12,8 @@ namespace Workbench {
 /// row anywhere else.
 class ProgressPrinter final : public SolveObserver {
 public:
-  /// \param stream         kept by reference
-  /// \param interruptions  answers SolveObserver::interruptions(); empty for never
-  ProgressPrinter(std::ostream &stream, bool isTerminal, std::function<int()> interruptions);
+  /// \param console  kept by reference
+  explicit ProgressPrinter(const Console &console);
 
   void begun(std::size_t toSolve, std::size_t alreadySolved) override;
   void finished(const std::string &rowName, const RowState &state, double seconds) override;
@@ -23,9 +23,9 @@ public:
 private:
   void drawBar();
 
+  const Console &m_console;
   std::ostream &m_stream;
   bool m_isTerminal;
-  std::function<int()> m_interruptions;
   std::size_t m_total = 0;
   std::size_t m_done = 0;
   std::size_t m_failed = 0;

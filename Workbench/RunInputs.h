@@ -4,6 +4,7 @@
 #include "Workbench/StudyFile.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,17 +35,36 @@ public:
                                        std::vector<std::string> &notes, std::vector<FileProblem> &problems);
 
   /// The files of one run with the values of `source`, copies included.
+  /// \param warnings  when given, receives what a solver may read otherwise than it is written
   /// \return empty when a value cannot be written as its placeholder asks; see `problems`
   std::optional<std::vector<RunFile>> render(const EmbeddedHost::TemplateValueSource &source,
-                                             std::vector<FileProblem> &problems) const;
+                                             std::vector<FileProblem> &problems,
+                                             std::vector<FileProblem> *warnings = nullptr) const;
+
+  /// The arguments of each stage's command with the values of `source`.
+  /// \return empty when a value cannot be written as its placeholder asks; see `problems`
+  std::optional<std::vector<std::vector<std::string>>>
+  renderCommands(const EmbeddedHost::TemplateValueSource &source, std::vector<FileProblem> &problems,
+                 std::vector<FileProblem> *warnings = nullptr) const;
 
 private:
+  // A text, or a template that is one placeholder.
+  struct Argument {
+    std::string text;
+    std::optional<EmbeddedHost::TemplateFile> placeholder;
+    FilePlace place;
+  };
   struct Template {
     EmbeddedHost::TemplateFile file;
     std::string name;
   };
 
+  static void loadCommands(const StudyFile &study, const UnitSystem &units, std::set<std::string> &used,
+                           std::vector<FileProblem> &problems, RunInputs &inputs);
+
+  std::string m_studyFile;
   std::vector<Template> m_templates;
+  std::vector<std::vector<Argument>> m_commands;
   std::vector<RunFile> m_copies;
 };
 

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "EmbeddedHost/SolverSupervisors.h"
+#include "Workbench/ProjectSession.h"
 #include "Workbench/RunInputs.h"
 #include "Workbench/RunKeys.h"
-#include "Workbench/StudySession.h"
+#include "Workbench/SolverPrograms.h"
+#include "Workbench/StudyExpression.h"
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,6 +17,7 @@ namespace Workbench {
 
 class UnitSystem;
 class VersionRun;
+struct RunPlan;
 
 /// What a solve tells whoever shows it, and asks of them.
 class SolveObserver {
@@ -36,8 +41,21 @@ struct SolveReport {
   std::size_t solved = 0; ///< by this solve
   std::size_t failed = 0; ///< by this solve
   std::size_t alreadySolved = 0;
+  std::size_t extracted = 0;  ///< read again from the files of their last run, without a run
+  std::size_t infeasible = 0; ///< break the rule and are never run
   bool isInterrupted = false;
   std::string problem; ///< why the solve could not go on; "" otherwise
+  std::string givenUp; ///< why nothing more was begun, though rows are left; "" otherwise
+  /// What a solver may read otherwise than it is written, each place once.
+  std::vector<FileProblem> warnings;
+};
+
+struct SolveOptions {
+  std::size_t parallel = 1; ///< how many solvers run at a time, at least 1
+  bool keepsGoing = false;  ///< goes on when the baseline fails
+  /// The rows to solve, whatever their states; empty for those that need it.
+  std::vector<std::size_t> rows = {};
+  bool onlyExtracts = false; ///< reads results again from kept files; rows without them are left as they are
 };
 
 /// Solves the rows of a session that are not solved, or not for what they are now: each version in an empty folder of
@@ -46,25 +64,22 @@ struct SolveReport {
 /// current again afterwards, and rows still have to be updated from their versions.
 class SolveRunner {
 public:
-  /// \param program  the solver's program file
   /// Everything is kept by reference.
-  SolveRunner(StudySession &session, const RunInputs &inputs, const UnitSystem &units,
-              const std::string &program);
+  SolveRunner(ProjectSession &session, const StudyFile &study, const RunInputs &inputs,
+              const UnitSystem &units, const SolverPrograms &programs);
 
   /// Compares every row with the record of its last run and sets its state. Starts nothing.
   void assess();
 
-  /// \param parallel  how many solvers run at a time, at least 1
-  SolveReport solve(std::size_t parallel, SolveObserver &observer);
+  /// The baseline first, and alone: what fails there would fail everywhere.
+  SolveReport solve(const SolveOptions &options, SolveObserver &observer);
 
 private:
   using Runs = std::vector<std::unique_ptr<VersionRun>>;
-  struct Rendered {
-    std::vector<RunFile> files;
-    RunKeys keys;
-  };
 
-  std::string render(std::size_t row, Rendered &rendered);
+  std::string plan(std::size_t row, RunPlan &plan, std::vector<FileProblem> *warnings = nullptr);
+  void assessRow(std::size_t row, const EmbeddedHost::RunRecord &record, RowState &state);
+  std::string exactText(const std::string &name, std::map<std::string, double> &values) const;
   void stopRow(std::size_t row, const std::string &reason, SolveObserver &observer, SolveReport &report);
   std::unique_ptr<VersionRun> begin(std::size_t row, SolveObserver &observer, SolveReport &report);
   void record(const VersionRun &run, SolveObserver &observer, SolveReport &report);
@@ -72,12 +87,19 @@ private:
   void cancelAll(const Runs &running, SolveObserver &observer, SolveReport &report);
   void solveRows(const std::vector<std::size_t> &rows, std::size_t parallel, SolveObserver &observer,
                  SolveReport &report);
+  void solveBaselineFirst(std::vector<std::size_t> &rows, bool keepsGoing, SolveObserver &observer,
+                          SolveReport &report);
 
-  StudySession &m_session;
+  ProjectSession &m_session;
+  const StudyFile &m_study;
   const RunInputs &m_inputs;
   const UnitSystem &m_units;
-  std::string m_program;
-  std::string m_fingerprint;
+  const SolverPrograms &m_programs;
+  StudyExpressions m_expressions;
+  std::string m_lastFailure;
+  std::size_t m_equalFailures = 0;
+  bool m_onlyExtracts = false;
+  EmbeddedHost::SolverSupervisors m_supervisors; // one for each solver that runs at a time
 };
 
 } // namespace Workbench

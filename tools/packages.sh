@@ -5,7 +5,7 @@
 build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libsqlite3-dev libudunits2-dev libudunits2-data
   libcli11-dev libyaml-cpp-dev nlohmann-json3-dev)
 run_packages=("${build_packages[@]}" ngspice)
-test_packages=("${run_packages[@]}" libgtest-dev libgmock-dev locales strace e2fsprogs mount)
+test_packages=("${run_packages[@]}" calculix-ccx mawk libgtest-dev libgmock-dev locales strace e2fsprogs mount)
 asan_packages=("${test_packages[@]}" clang libclang-rt-dev llvm)
 bench_packages=("${run_packages[@]}" libbenchmark-dev libmuparser-dev)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-dev llvm)

@@ -37,7 +37,7 @@ protected:
   bool store(double value) { return project->recordRun(*row, record(), {{partA, mass, value}}, problem); }
   static RunRecord runIn(Project &other) {
     const ModelVersion *version = other.changeManager().findVersion("Row", nullptr);
-    const RunRecord run = other.runRecord(*version);
+    RunRecord run = other.runRecord(*version);
     const Project::RunRecords all = other.runRecords();
     EXPECT_EQ(all.size(), 1U);
     EXPECT_EQ(all.at(version).status, run.status);

@@ -14,7 +14,6 @@ namespace {
 
 using HostTesting::HostCall;
 using HostTesting::Verdict;
-using OptimizationTool::OptimizationData;
 using StudyTesting::thrownBy;
 using Costs = std::vector<std::optional<double>>;
 

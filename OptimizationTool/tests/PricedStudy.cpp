@@ -155,8 +155,9 @@ void PricedStudy::makeCalculator() {
 }
 
 std::unique_ptr<PricedCell> PricedStudy::drawCell() {
-  static const std::vector<double> special = {0.0,       -0.0,  1.0,    std::nan(""), INFINITY,
-                                              -INFINITY, 1e300, 5e-324, -2147483648.0};
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  static const std::vector<double> special = {0.0,        -0.0,  1.0,    std::nan(""), kInfinity,
+                                              -kInfinity, 1e300, 5e-324, -2147483648.0};
   auto cell = std::make_unique<PricedCell>(static_cast<double>(m_random() % 1'000'000) / 7919.0 + 2.0);
   if (isDrawn(0.01)) {
     cell->value = special[draw(special.size())];

@@ -1,8 +1,8 @@
 #include "Workbench/MatrixTable.h"
 
-#include "EmbeddedHost/SolverNumber.h"
 #include "OptimizationTool/OptimizationData.h"
-#include "Workbench/StudySession.h"
+#include "Workbench/ProjectModel.h"
+#include "Workbench/ProjectSession.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,42 +11,34 @@ namespace Workbench {
 
 namespace {
 
-std::string statusText(const RowState &state) {
-  std::string text;
-  switch (state.status) {
-  case RowStatus::NotRun:
-    text = "not run";
-    break;
-  case RowStatus::Ok:
-    text = "ok";
-    break;
-  case RowStatus::Stale:
-    text = "stale";
-    break;
-  case RowStatus::Failed:
-    text = "failed: " + state.reason;
-    break;
-  }
-  return state.isInStudyFile ? text : text + " (not in the study file)";
+MatrixTable::Column columnOf(const ProjectSession &session, bool isInput, std::size_t group) {
+  const ModelAttribute *attribute = session.groupAttribute(isInput, group);
+  const std::string name = session.data().getGroup(isInput, static_cast<int>(group)).getName();
+  MatrixTable::Column column;
+  column.attribute = attribute == nullptr ? "" : attribute->fullName();
+  column.title = name.empty() ? column.attribute : name;
+  column.unit = attribute == nullptr ? "" : attribute->unit;
+  return column;
 }
 
-std::string inputText(const StudyAttribute &declared, const EntityModel::Attribute *attribute) {
-  if (attribute == nullptr || !attribute->hasValue()) {
-    return "";
+MatrixTable::Row rowOf(const ProjectSession &session, std::size_t number) {
+  OptimizationTool::OptimizationData &data = session.data();
+  MatrixTable::Row row;
+  row.number = number;
+  row.name = session.rowName(number);
+  row.state = session.rowState(number);
+  for (std::size_t group = 0; group < session.groupCount(true); ++group) {
+    const ModelAttribute *declared = session.groupAttribute(true, group);
+    row.inputs.push_back(
+        declared == nullptr ? "" : shownText(*declared, data.getVariantGroup(true, number, group)));
   }
-  const double number = attribute->getStandardValue();
-  switch (declared.kind) {
-  case AttributeKind::Text:
-    return attribute->getValueAsString();
-  case AttributeKind::Boolean:
-    return number == 0.0 ? "false" : "true";
-  case AttributeKind::Choice: {
-    const auto ordinal = static_cast<std::size_t>(std::max(1.0, number));
-    return declared.options[std::min(ordinal, declared.options.size()) - 1];
+  for (std::size_t group = 0; group < session.groupCount(false); ++group) {
+    const EntityModel::Attribute *cell = data.getVariantGroup(false, number, group);
+    const bool isKnown = row.isOk() && cell != nullptr && cell->hasValue();
+    row.outputs.push_back(isKnown ? std::optional<double>(cell->getStandardValue()) : std::nullopt);
   }
-  default:
-    return EmbeddedHost::writeSolverNumber(number);
-  }
+  row.cost = row.isOk() ? data.getVariantCost(number) : std::nullopt;
+  return row;
 }
 
 std::optional<std::size_t> bestOf(const std::vector<MatrixTable::Row> &rows,
@@ -55,7 +47,7 @@ std::optional<std::size_t> bestOf(const std::vector<MatrixTable::Row> &rows,
   std::optional<std::size_t> best;
   for (std::size_t index = 0; index < rows.size() && target != OptimisationStrategy::None; ++index) {
     const MatrixTable::Row &row = rows[index];
-    if (!row.isOk || !row.cost || !std::isfinite(*row.cost)) {
+    if (!row.isOk() || !row.cost || !std::isfinite(*row.cost)) {
       continue;
     }
     const bool isBetter = !best || (target == OptimisationStrategy::Minimise ? *row.cost < *rows[*best].cost
@@ -69,38 +61,32 @@ std::optional<std::size_t> bestOf(const std::vector<MatrixTable::Row> &rows,
 
 } // namespace
 
-MatrixTable MatrixTable::of(const StudySession &session) {
-  const StudyFile &study = session.study();
-  OptimizationTool::OptimizationData &data = session.data();
+const MatrixTable::Row *MatrixTable::find(std::size_t number) const {
+  const auto found =
+      std::find_if(rows.begin(), rows.end(), [number](const Row &row) { return row.number == number; });
+  return found == rows.end() ? nullptr : &*found;
+}
+
+MatrixTable MatrixTable::of(const ProjectSession &session) {
   MatrixTable table;
-  table.title = study.title;
-  table.hasCost = study.cost.find_first_not_of(" \t") != std::string::npos;
-  for (const StudyGroup &group : study.inputs) {
-    table.inputs.push_back({group.title(), study.findAttribute(group.macro())->unit});
+  table.title = session.title();
+  if (!session.hasStudy()) {
+    return table;
   }
-  for (const StudyGroup &group : study.outputs) {
-    table.outputs.push_back({group.title(), study.findAttribute(group.macro())->unit});
+  table.hasCost = session.data().getCostFunction().find_first_not_of(" \t") != std::string::npos;
+  for (std::size_t group = 0; group < session.groupCount(true); ++group) {
+    table.inputs.push_back(columnOf(session, true, group));
+  }
+  for (std::size_t group = 0; group < session.groupCount(false); ++group) {
+    table.outputs.push_back(columnOf(session, false, group));
   }
   for (std::size_t number = 0; number < session.rowCount(); ++number) {
-    const RowState &state = session.rowState(number);
-    Row row;
-    row.number = number;
-    row.name = session.rowName(number);
-    row.isOk = state.status == RowStatus::Ok;
-    row.status = statusText(state);
-    for (std::size_t index = 0; index < study.inputs.size(); ++index) {
-      row.inputs.push_back(inputText(*study.findAttribute(study.inputs[index].macro()),
-                                     data.getVariantGroup(true, number, index)));
-    }
-    for (std::size_t index = 0; index < study.outputs.size(); ++index) {
-      const EntityModel::Attribute *cell = data.getVariantGroup(false, number, index);
-      const bool isKnown = row.isOk && cell != nullptr && cell->hasValue();
-      row.outputs.push_back(isKnown ? std::optional<double>(cell->getStandardValue()) : std::nullopt);
-    }
-    row.cost = row.isOk ? data.getVariantCost(number) : std::nullopt;
-    table.rows.push_back(std::move(row));
+    table.rows.push_back(rowOf(session, number));
   }
-  table.best = bestOf(table.rows, data.getOptimisationTarget());
+  if (!table.rows.empty()) {
+    table.baseline = table.rows.front();
+  }
+  table.bestNumber = bestOf(table.rows, session.data().getOptimisationTarget());
   return table;
 }
 

@@ -25,9 +25,16 @@ std::string valueText(const std::optional<double> &value) {
   return value ? formatted("%.6g", *value) : "";
 }
 
-// The difference to the baseline in per cent; nothing where either is unknown or the baseline is 0.
-std::string differenceText(const std::optional<double> &value, const std::optional<double> &baseline) {
-  if (!value || !baseline || *baseline == 0.0 || !std::isfinite(*value) || !std::isfinite(*baseline)) {
+// Nothing where either is unknown, or where the baseline is 0 and per cent of it are asked for.
+std::string differenceText(const std::optional<double> &value, const std::optional<double> &baseline,
+                           Differences differences) {
+  if (!value || !baseline || !std::isfinite(*value) || !std::isfinite(*baseline)) {
+    return "";
+  }
+  if (differences == Differences::Absolute) {
+    return formatted("%+.6g", *value - *baseline);
+  }
+  if (*baseline == 0.0) {
     return "";
   }
   const double percent = (*value - *baseline) / std::fabs(*baseline) * 100.0;
@@ -81,7 +88,7 @@ std::string linesOf(const std::vector<TextColumn> &columns) {
 
 } // namespace
 
-std::string MatrixTable::toText() const {
+std::string MatrixTable::toText(Differences differences) const {
   std::vector<TextColumn> columns;
   const auto add = [&columns](const std::string &heading, const std::string &unit,
                               bool isRightAligned) -> TextColumn & {
@@ -89,8 +96,8 @@ std::string MatrixTable::toText() const {
     return columns.back();
   };
   TextColumn &numbers = add("row", "", true);
-  for (std::size_t index = 0; index < rows.size(); ++index) {
-    numbers.cells.push_back((best == index ? "* " : "") + std::to_string(rows[index].number));
+  for (const Row &row : rows) {
+    numbers.cells.push_back((bestNumber == row.number ? "* " : "") + std::to_string(row.number));
   }
   TextColumn &names = add("name", "", false);
   for (const Row &row : rows) {
@@ -107,9 +114,12 @@ std::string MatrixTable::toText() const {
     for (const Row &row : rows) {
       values.cells.push_back(valueText(valueOf(row)));
     }
-    TextColumn &differences = add("diff", "%", true);
+    if (differences == Differences::None) {
+      return;
+    }
+    TextColumn &changes = add("diff", differences == Differences::Percent ? "%" : unit, true);
     for (const Row &row : rows) {
-      differences.cells.push_back(differenceText(valueOf(row), valueOf(rows.front())));
+      changes.cells.push_back(differenceText(valueOf(row), valueOf(baseline), differences));
     }
   };
   for (std::size_t index = 0; index < outputs.size(); ++index) {
@@ -121,7 +131,8 @@ std::string MatrixTable::toText() const {
   }
   TextColumn &statuses = add("status", "", false);
   for (const Row &row : rows) {
-    statuses.cells.push_back(inOneLine(row.status));
+    statuses.cells.push_back(
+        inOneLine(statusText(row.state) + (row.state.isInStudyFile ? "" : " (not in the study file)")));
   }
   return (title.empty() ? "" : inOneLine(title) + "\n\n") + linesOf(columns);
 }

@@ -3,14 +3,13 @@
 #include "EmbeddedHost/ModelSchema.h"
 #include "EmbeddedHost/Project.h"
 #include "HostModel/Lookup.h"
+#include "Workbench/ProjectModel.h"
 
 #include <algorithm>
 
 namespace Workbench {
 
 namespace {
-
-constexpr const char *kEntityList = "Entities";
 
 // One entity of the study file with its attributes.
 struct EntityDeclaration {
@@ -99,16 +98,24 @@ std::string declareModel(const StudyFile &study, EmbeddedHost::ModelSchema &sche
     }
   }
   EmbeddedHost::MemberType list;
-  list.label = kEntityList;
+  list.label = ProjectModel::kEntityList;
   list.kind = EmbeddedHost::MemberKind::EntityList;
-  return schema.declareRootMembers({list});
+  EmbeddedHost::MemberType rule;
+  rule.label = ProjectModel::kRule;
+  rule.kind = EmbeddedHost::MemberKind::Text;
+  rule.isInternal = true;
+  rule.hasNoSimulationEffect = true;
+  return schema.declareRootMembers({list, rule});
 }
 
 std::string createEntities(const StudyFile &study, EmbeddedHost::Project &project) {
+  if (!study.title.empty()) {
+    project.renameEntity(project.rootEntity(), study.title);
+  }
   const std::vector<EntityDeclaration> entities = entitiesOf(study);
   for (std::size_t index = 0; index < entities.size(); ++index) {
-    if (project.createEntity(typeLabel(index), project.rootEntity(), kEntityList, entities[index].name) ==
-        nullptr) {
+    if (project.createEntity(typeLabel(index), project.rootEntity(), ProjectModel::kEntityList,
+                             entities[index].name) == nullptr) {
       return "the entity \"" + entities[index].name + "\" could not be created";
     }
   }
@@ -117,8 +124,8 @@ std::string createEntities(const StudyFile &study, EmbeddedHost::Project &projec
 
 std::string compareModel(const StudyFile &study, const EmbeddedHost::Project &project) {
   const std::vector<EntityDeclaration> declared = entitiesOf(study);
-  const std::vector<EntityModel::Entity *> entities =
-      EntityModel::getLinkedEntities(project.rootEntity(), EntityModel::AttributePath(kEntityList));
+  const std::vector<EntityModel::Entity *> entities = EntityModel::getLinkedEntities(
+      project.rootEntity(), EntityModel::AttributePath(ProjectModel::kEntityList));
   if (entities.size() != declared.size()) {
     return "the project has " + std::to_string(entities.size()) + " entities, the study file " +
            std::to_string(declared.size());
@@ -144,36 +151,14 @@ std::string compareModel(const StudyFile &study, const EmbeddedHost::Project &pr
   return "";
 }
 
-ModelAttributes::ModelAttributes(const StudyFile &study, EmbeddedHost::Project &project) {
-  for (EntityModel::Entity *entity :
-       EntityModel::getLinkedEntities(project.rootEntity(), EntityModel::AttributePath(kEntityList))) {
-    m_entities.emplace(entity->getName(true), entity);
-  }
-  for (const StudyAttribute &attribute : study.attributes) {
-    m_attributes.emplace(attribute.fullName(),
-                         project.attribute(findEntity(attribute.entity), attribute.name));
-  }
-}
-
-EntityModel::Attribute *ModelAttributes::find(const std::string &fullName) const {
-  const auto found = m_attributes.find(fullName);
-  return found == m_attributes.end() ? nullptr : found->second;
-}
-
-EntityModel::Entity *ModelAttributes::findEntity(const std::string &name) const {
-  const auto found = m_entities.find(name);
-  return found == m_entities.end() ? nullptr : found->second;
-}
-
-ModelValues::ModelValues(const StudyFile &study, const ModelAttributes &attributes)
-    : m_study(study), m_attributes(attributes) {}
+ModelValues::ModelValues(const ProjectModel &model) : m_model(model) {}
 
 EmbeddedHost::TemplateValue ModelValues::value(const EmbeddedHost::TemplatePlaceholder &placeholder) const {
-  const StudyAttribute *declared = m_study.findAttribute(placeholder.name());
-  const EntityModel::Attribute *attribute = m_attributes.find(placeholder.name());
-  if (declared == nullptr || attribute == nullptr) {
+  const ModelAttribute *declared = m_model.find(placeholder.name());
+  if (declared == nullptr) {
     return EmbeddedHost::TemplateNoValue{"the model has no such attribute"};
   }
+  const EntityModel::Attribute *attribute = declared->value;
   if (declared->kind == AttributeKind::Text) {
     return attribute->getValueAsString();
   }

@@ -3,15 +3,17 @@
 #include "EmbeddedHost/SolverNumber.h"
 
 #include <ostream>
-#include <utility>
 
 namespace Workbench {
 
-ProgressPrinter::ProgressPrinter(std::ostream &stream, bool isTerminal, std::function<int()> interruptions)
-    : m_stream(stream), m_isTerminal(isTerminal), m_interruptions(std::move(interruptions)) {}
+ProgressPrinter::ProgressPrinter(const Console &console)
+    : m_console(console), m_stream(console.messages), m_isTerminal(console.isTerminal && !console.isQuiet) {}
 
 void ProgressPrinter::begun(std::size_t toSolve, std::size_t alreadySolved) {
   m_total = toSolve;
+  if (m_console.isQuiet) {
+    return;
+  }
   m_stream << "Solving " << std::to_string(toSolve) << (toSolve == 1 ? " row" : " rows");
   if (alreadySolved > 0) {
     m_stream << "; " << std::to_string(alreadySolved) << (alreadySolved == 1 ? " is" : " are")
@@ -25,6 +27,9 @@ void ProgressPrinter::finished(const std::string &rowName, const RowState &state
   ++m_done;
   const bool isFailed = state.status == RowStatus::Failed;
   m_failed += isFailed ? 1U : 0U;
+  if (m_console.isQuiet) {
+    return;
+  }
   if (m_isTerminal && !isFailed) {
     drawBar();
     return;
@@ -46,7 +51,7 @@ void ProgressPrinter::ended() {
 }
 
 int ProgressPrinter::interruptions() const {
-  return m_interruptions ? m_interruptions() : 0;
+  return m_console.interruptions ? m_console.interruptions() : 0;
 }
 
 void ProgressPrinter::drawBar() {

@@ -58,7 +58,7 @@ std::optional<RunInputs> RunInputs::load(const StudyFile &study, const UnitSyste
   const std::size_t problemsBefore = problems.size();
   std::set<std::string> used;
   for (const StudyInputFile &entry : study.solver.templates) {
-    const std::string path = study.folder + "/" + entry.from;
+    const std::string path = study.pathOf(entry.from);
     std::string problem;
     const std::optional<std::string> text = EmbeddedHost::readWholeFile(path, kLargestInput, problem);
     if (!text) {
@@ -85,31 +85,61 @@ std::optional<RunInputs> RunInputs::load(const StudyFile &study, const UnitSyste
     std::string problem;
     RunFile file;
     file.name = entry.to;
-    file.copyOf = study.folder + "/" + entry.from;
+    file.copyOf = study.pathOf(entry.from);
     file.fingerprint = fileFingerprint(file.copyOf, problem);
     if (file.fingerprint.empty()) {
       problems.push_back({study.path, entry.place.line, entry.place.column, problem});
     }
     inputs.m_copies.push_back(std::move(file));
   }
+  loadCommands(study, units, used, problems, inputs);
   if (problems.size() != problemsBefore) {
     return std::nullopt;
+  }
+  for (const StudyFormula &formula : study.formulas) {
+    used.insert(formula.variables.begin(), formula.variables.end());
   }
   for (const StudyGroup &group : study.inputs) {
     for (const std::string &attribute : group.attributes) {
       if (used.count(attribute) == 0) {
-        notes.push_back("no template uses \"" + attribute + "\": the solver never sees this input");
+        notes.push_back(study.solver.stages.empty()
+                            ? "no formula uses \"" + attribute + "\": this input has no effect"
+                            : "no template uses \"" + attribute + "\": the solver never sees this input");
       }
     }
   }
   return inputs;
 }
 
+void RunInputs::loadCommands(const StudyFile &study, const UnitSystem &units, std::set<std::string> &used,
+                             std::vector<FileProblem> &problems, RunInputs &inputs) {
+  inputs.m_studyFile = study.path;
+  for (const StudyStage &stage : study.solver.stages) {
+    std::vector<Argument> command;
+    for (const StudyArgument &written : stage.command) {
+      Argument argument{written.text, std::nullopt, written.place};
+      if (written.isPlaceholder) {
+        std::vector<FileProblem> ignored; // the study file was read without a problem
+        argument.placeholder = EmbeddedHost::TemplateFile::parse(study.path, written.text, ignored);
+        const EmbeddedHost::TemplatePlaceholder &placeholder = argument.placeholder->placeholders().front();
+        const std::string why = problemOf(placeholder, study, units);
+        if (!why.empty()) {
+          problems.push_back({study.path, written.place.line, written.place.column, why});
+        }
+        used.insert(placeholder.name());
+      }
+      command.push_back(std::move(argument));
+    }
+    inputs.m_commands.push_back(std::move(command));
+  }
+}
+
 std::optional<std::vector<RunFile>> RunInputs::render(const EmbeddedHost::TemplateValueSource &source,
-                                                      std::vector<FileProblem> &problems) const {
+                                                      std::vector<FileProblem> &problems,
+                                                      std::vector<FileProblem> *warnings) const {
   std::vector<RunFile> files;
   for (const Template &entry : m_templates) {
-    std::optional<std::string> content = entry.file.render(source, problems);
+    std::optional<std::string> content = entry.file.render(source, problems, warnings);
     if (!content) {
       return std::nullopt;
     }
@@ -117,6 +147,39 @@ std::optional<std::vector<RunFile>> RunInputs::render(const EmbeddedHost::Templa
   }
   files.insert(files.end(), m_copies.begin(), m_copies.end());
   return files;
+}
+
+std::optional<std::vector<std::vector<std::string>>>
+RunInputs::renderCommands(const EmbeddedHost::TemplateValueSource &source, std::vector<FileProblem> &problems,
+                          std::vector<FileProblem> *warnings) const {
+  std::vector<std::vector<std::string>> commands;
+  for (const std::vector<Argument> &written : m_commands) {
+    std::vector<std::string> command;
+    for (const Argument &argument : written) {
+      if (!argument.placeholder) {
+        command.push_back(argument.text);
+        continue;
+      }
+      std::vector<FileProblem> found;
+      std::vector<FileProblem> warned;
+      const std::optional<std::string> text = argument.placeholder->render(source, found, &warned);
+      // Places count within the argument; what helps is its place in the study file.
+      for (const FileProblem &problem : found) {
+        problems.push_back({m_studyFile, argument.place.line, argument.place.column, problem.message});
+      }
+      for (const FileProblem &warning : warned) {
+        if (warnings != nullptr) {
+          warnings->push_back({m_studyFile, argument.place.line, argument.place.column, warning.message});
+        }
+      }
+      if (!text) {
+        return std::nullopt;
+      }
+      command.push_back(*text);
+    }
+    commands.push_back(std::move(command));
+  }
+  return commands;
 }
 
 } // namespace Workbench

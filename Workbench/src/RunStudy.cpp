@@ -1,104 +1,41 @@
 #include "Workbench/RunStudy.h"
 
+#include "EmbeddedHost/RunRecord.h"
 #include "EmbeddedHost/SolverNumber.h"
-#include "EmbeddedHost/SolverProcess.h"
+#include "OptimizationTool/OptimizationData.h"
 #include "Workbench/MatrixTable.h"
 #include "Workbench/ProgressPrinter.h"
-#include "Workbench/RunInputs.h"
 #include "Workbench/SolveRunner.h"
-#include "Workbench/StudyFile.h"
 #include "Workbench/StudySession.h"
 #include "Workbench/UnitSystem.h"
+#include "Workbench/src/MatrixSummary.h"
+#include "Workbench/src/SolverSetup.h"
 
-#include <filesystem>
 #include <ostream>
 
 namespace Workbench {
 
 namespace {
 
-void print(const std::vector<FileProblem> &problems, std::ostream &messages) {
-  for (const FileProblem &problem : problems) {
-    messages << problem.toText() << "\n";
-  }
-}
-
-void printNotes(const std::vector<std::string> &notes, std::ostream &messages) {
-  for (const std::string &note : notes) {
-    messages << "note: " << note << "\n";
-  }
-}
-
-std::string numbered(std::size_t count, const char *one, const char *several) {
-  return std::to_string(count) + " " + (count == 1 ? one : several);
-}
-
-std::string missingSolver(const StudyFile &study) {
-  const StudySolver &solver = study.solver;
-  return study.path + ":" + std::to_string(solver.commandPlace.line) + ":" +
-         std::to_string(solver.commandPlace.column) + ": " + solver.command.front() +
-         " is not installed or not on the PATH" +
-         (solver.installHint.empty() ? "" : "; " + solver.installHint);
-}
-
-std::string costText(double cost) {
-  std::string problem;
-  const auto format = EmbeddedHost::SolverNumberFormat::parse("%.6g", problem);
-  return format->write(cost).value_or(EmbeddedHost::writeSolverNumber(cost));
-}
-
-std::string bestText(const MatrixTable &table) {
-  const MatrixTable::Row &best = table.rows[*table.best];
-  const MatrixTable::Row &baseline = table.rows.front();
-  std::string text =
-      "* Best: row " + std::to_string(best.number) + ", " + best.name + ", cost " + costText(*best.cost);
-  if (*table.best != 0 && baseline.cost) {
-    text += " (the baseline: " + costText(*baseline.cost) + ")";
-  }
-  return text + "\n";
-}
-
-struct Counts {
-  std::size_t ok = 0;
-  std::size_t failed = 0;
-  std::size_t open = 0;
-};
-
-Counts countsOf(const StudySession &session) {
-  Counts counts;
-  for (std::size_t row = 0; row < session.rowCount(); ++row) {
-    const RowStatus status = session.rowState(row).status;
-    ++(status == RowStatus::Ok ? counts.ok : status == RowStatus::Failed ? counts.failed : counts.open);
-  }
+RowCounts printMatrix(const ProjectSession &session, std::ostream &out) {
+  const MatrixTable table = MatrixTable::of(session);
+  const std::string best = bestLine(table);
+  RowCounts counts = RowCounts::of(table);
+  out << table.toText() << "\n"
+      << best << (best.empty() ? "" : "\n") << counts.toText() << ". Kept in " << session.fileName() << "\n";
   return counts;
 }
 
-void printMatrix(const StudySession &session, const Counts &counts, std::ostream &out) {
-  const MatrixTable table = MatrixTable::of(session);
-  out << table.toText() << "\n";
-  if (table.best) {
-    out << bestText(table);
-  }
-  out << numbered(session.rowCount(), "row", "rows") << ": " << std::to_string(counts.ok) << " ok";
-  if (counts.failed > 0) {
-    out << ", " << std::to_string(counts.failed) << " failed";
-  }
-  if (counts.open > 0) {
-    out << ", " << std::to_string(counts.open) << " not solved";
-  }
-  out << ". Kept in " << session.fileName() << "\n";
-}
-
-void printWhatNext(const StudySession &session, const Counts &counts, std::ostream &out) {
+void printWhatNext(const RowCounts &counts, const std::string &studyFile, const Console &console) {
   if (counts.failed > 0 || counts.open > 0) {
-    out << "Next: mend what failed and run the same command again; solved rows are kept.\n";
+    console.note("Next: mend what failed and run the same command again; solved rows are kept.");
   } else {
-    out << "Next: change the variants or the cost in " << session.study().path
-        << " and run the same command again; only what is new is solved.\n";
+    console.note("Next: change the variants or the cost in " + studyFile +
+                 " and run the same command again; only what is new is solved.");
   }
 }
 
-int exitCodeOf(const Counts &counts, const SolveReport &report) {
+int exitCodeOf(const RowCounts &counts, const SolveReport &report, const AllowedFailures &allowed) {
   if (!report.problem.empty()) {
     return ExitCode::kInternalError;
   }
@@ -108,76 +45,180 @@ int exitCodeOf(const Counts &counts, const SolveReport &report) {
   if (counts.ok == 0) {
     return ExitCode::kNoRowSolved;
   }
-  return counts.failed > 0 ? ExitCode::kSomeRowsFailed : ExitCode::kDone;
+  const std::size_t unsolved = counts.failed + counts.open;
+  return allowed.allows(unsolved, counts.rows - counts.infeasible) ? ExitCode::kDone
+                                                                   : ExitCode::kSomeRowsFailed;
 }
 
-int solveAndPrint(StudySession &session, const RunInputs &inputs, const std::string &program,
-                  const RunOptions &options, std::ostream &out, std::ostream &messages) {
-  const HostUnits units;
-  SolveRunner runner(session, inputs, units, program);
-  runner.assess();
-  session.clearUnreliableCosts();
-  ProgressPrinter progress(messages, options.isTerminal, options.interruptions);
-  SolveReport report = runner.solve(options.parallel, progress);
+// Solves, prices, saves and prints.
+int solveAndPrint(ProjectSession &session, const SolverSetup &setup, SolveRunner &runner,
+                  const SolveOptions &options, const AllowedFailures &allowed, const Console &console) {
+  ProgressPrinter progress(console);
+  const SolveReport report = runner.solve(options, progress);
   if (report.solved + report.failed == 0 && report.problem.empty() && !report.isInterrupted) {
-    messages << "Nothing to solve: " << numbered(report.alreadySolved, "row is", "rows are")
-             << " solved already.\n";
+    console.note("Nothing to solve: " + numbered(report.alreadySolved, "row is", "rows are") +
+                 " solved already.");
   }
   const std::string pricing = session.updateAndPrice();
   if (!pricing.empty()) {
-    messages << pricing << "\n";
+    console.error(pricing);
   }
   const std::string saving = session.save();
-  const Counts counts = countsOf(session);
-  printMatrix(session, counts, out);
+  const RowCounts counts = printMatrix(session, console.out);
+  printWarnings(report.warnings, console);
+  if (!report.givenUp.empty()) {
+    console.error("Stopped: " + report.givenUp);
+  }
   if (!report.problem.empty() || !saving.empty()) {
-    messages << (report.problem.empty() ? saving : report.problem) << "\n";
+    console.error(report.problem.empty() ? saving : report.problem);
     return ExitCode::kInternalError;
   }
   if (report.isInterrupted) {
-    messages << "Interrupted: run the same command again to go on; solved rows are kept.\n";
+    console.error("Interrupted: run the same command again to go on; solved rows are kept.");
   } else {
-    printWhatNext(session, counts, out);
+    printWhatNext(counts, setup.study.path, console);
   }
-  return pricing.empty() ? exitCodeOf(counts, report) : ExitCode::kInvalid;
+  return pricing.empty() ? exitCodeOf(counts, report, allowed) : ExitCode::kInvalid;
+}
+
+std::string secondsText(double seconds) {
+  return shortNumber(seconds) + " s";
+}
+
+// What would be run, and why; how long it would take, by the rows that are solved.
+int printPlan(const ProjectSession &session, const RunOptions &options, const Console &console) {
+  std::size_t toRun = 0;
+  double known = 0.0;
+  std::size_t solved = 0;
+  const EmbeddedHost::Project::RunRecords records = session.project().runRecords();
+  for (std::size_t row = 0; row < session.rowCount(); ++row) {
+    const RowState &state = session.rowState(row);
+    if (const auto found = records.find(session.rowVersion(row));
+        found != records.end() && found->second.status == EmbeddedHost::RunStatus::Ok) {
+      known += found->second.durationSeconds;
+      ++solved;
+    }
+    if (state.status != RowStatus::Ok && state.status != RowStatus::Infeasible) {
+      console.out << "row " << row << ", " << session.rowName(row) << ": " << statusText(state) << "\n";
+      ++toRun;
+    }
+  }
+  console.out << numbered(toRun, "row", "rows") << " of " << session.rowCount() << " would be run";
+  if (solved > 0 && toRun > 0) {
+    const double each = known / static_cast<double>(solved);
+    const auto parallel = static_cast<double>(options.parallel);
+    console.out << ", in about " << secondsText(each * static_cast<double>(toRun) / parallel);
+  }
+  console.out << "\n";
+  return ExitCode::kDone;
+}
+
+bool isConfirmed(const Console &console, const std::string &question, const std::string &what) {
+  if (console.confirm && console.confirm(question)) {
+    return true;
+  }
+  console.error(what + " asks first, and nobody has said yes; --yes says it.");
+  return false;
+}
+
+std::vector<std::size_t> rowsOutsideTheStudyFile(const ProjectSession &session) {
+  std::vector<std::size_t> rows;
+  for (std::size_t row = session.rowCount(); row-- > 1;) {
+    if (!session.rowState(row).isInStudyFile) {
+      rows.push_back(row);
+    }
+  }
+  return rows;
+}
+
+// From the last row on, so that the numbers of the others stay what they are. \return false when nobody agreed
+bool prune(ProjectSession &session, const Console &console) {
+  const std::vector<std::size_t> rows = rowsOutsideTheStudyFile(session);
+  if (rows.empty()) {
+    return true;
+  }
+  if (!isConfirmed(console,
+                   "Remove " + numbered(rows.size(), "row", "rows") +
+                       " that the study file does not have, with all results?",
+                   "--prune")) {
+    return false;
+  }
+  for (const std::size_t row : rows) {
+    console.note("note: the row \"" + session.rowName(row) + "\" was removed");
+    session.data().removeVariant(row, true);
+  }
+  session.refreshRows();
+  return true;
+}
+
+int runSession(StudySession &session, const SolverSetup &setup, const RunOptions &options,
+               const Console &console) {
+  const HostUnits units;
+  SolveRunner runner(session, setup.study, setup.inputs, units, setup.programs);
+  if (options.prunes && !prune(session, console)) {
+    return ExitCode::kUsage;
+  }
+  runner.assess();
+  session.clearUnreliableCosts();
+  SolveOptions solving;
+  solving.parallel = options.parallel;
+  solving.keepsGoing = options.keepsGoing;
+  if (options.isFresh) {
+    for (std::size_t row = 0; row < session.rowCount(); ++row) {
+      RowState state = session.rowState(row);
+      if (state.status == RowStatus::Ok) {
+        state.status = RowStatus::Stale;
+        session.setRowState(row, std::move(state));
+      }
+    }
+  }
+  if (options.isTrial) {
+    return printPlan(session, options, console);
+  }
+  if (options.isFresh && !session.isNew() &&
+      !isConfirmed(console, "Solve every row again, and lose the results that it has?", "--fresh")) {
+    return ExitCode::kUsage;
+  }
+  return solveAndPrint(session, setup, runner, solving, options.allowedFailures, console);
 }
 
 } // namespace
 
-int runStudy(const RunOptions &options, std::ostream &out, std::ostream &messages) {
-  const HostUnits units;
-  std::vector<FileProblem> problems;
-  const std::optional<StudyFile> study = StudyFile::read(options.studyFile, units, problems);
-  if (!study) {
-    print(problems, messages);
+std::optional<AllowedFailures> AllowedFailures::parse(const std::string &text) {
+  AllowedFailures allowed;
+  allowed.isPercent = !text.empty() && text.back() == '%';
+  const std::optional<double> number =
+      EmbeddedHost::readSolverNumber(allowed.isPercent ? text.substr(0, text.size() - 1) : text);
+  const bool isGood = number && *number >= 0.0 && (!allowed.isPercent || *number <= 100.0);
+  allowed.amount = number.value_or(0.0);
+  return isGood ? std::optional<AllowedFailures>(allowed) : std::nullopt;
+}
+
+bool AllowedFailures::allows(std::size_t failed, std::size_t rows) const {
+  const double most = isPercent ? amount / 100.0 * static_cast<double>(rows) : amount;
+  return static_cast<double>(failed) <= most;
+}
+
+int runStudy(const RunOptions &options, const Console &console) {
+  const std::unique_ptr<SolverSetup> setup =
+      SolverSetup::load(options.studyFile, options.searchPath, SolverSetup::Versions::Asked, console);
+  if (!setup) {
     return ExitCode::kInvalid;
   }
-  std::vector<std::string> notes = study->notes;
-  const std::optional<RunInputs> inputs = RunInputs::load(*study, units, notes, problems);
-  if (!inputs) {
-    print(problems, messages);
-    return ExitCode::kInvalid;
-  }
-  std::error_code error;
-  const std::string folder = std::filesystem::absolute(study->folder, error).string();
-  const std::optional<std::string> program =
-      EmbeddedHost::findProgram(study->solver.command.front(), folder, options.searchPath);
-  if (!program) {
-    messages << missingSolver(*study) << "\n";
-    return ExitCode::kInvalid;
-  }
-  printNotes(notes, messages);
-  const std::string projectFile = StudySession::projectFileOf(options.studyFile);
-  std::string problem;
-  const std::unique_ptr<StudySession> session = StudySession::open(*study, projectFile, problem);
+  const std::string projectFile = ProjectSession::projectFileOf(options.studyFile);
+  OpenFailure failure;
+  const std::unique_ptr<StudySession> session = StudySession::open(
+      setup->study, projectFile, options.isTrial ? Keeping::Nothing : Keeping::Changes, failure);
   if (!session) {
-    messages << problem << "\n";
-    return ExitCode::kInvalid;
+    console.error(failure.problem);
+    return failure.isReadable ? ExitCode::kHeld : ExitCode::kInvalid;
   }
-  messages << (session->isNew() ? "Created " : "Opened ") << projectFile << " with "
-           << numbered(session->rowCount(), "row", "rows") << "\n";
-  printNotes(session->changes(), messages);
-  return solveAndPrint(*session, *inputs, *program, options, out, messages);
+  if (!options.isTrial) {
+    console.note((session->isNew() ? "Created " : "Opened ") + projectFile + " with " +
+                 numbered(session->rowCount(), "row", "rows"));
+  }
+  printNotes(session->changes(), console);
+  return runSession(*session, *setup, options, console);
 }
 
 } // namespace Workbench

@@ -1,9 +1,11 @@
 #include "Workbench/SolveRunner.h"
 
-#include "OptimizationTool/OptimizationData.h"
+#include "EmbeddedHost/SolverNumber.h"
+#include "Workbench/ModelDeclaration.h"
 #include "Workbench/src/VersionRun.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace Workbench {
@@ -12,40 +14,71 @@ namespace {
 
 using EmbeddedHost::RunStatus;
 
-// Switches the versions of a session for as long as it lives; the study takes no notice, and the baseline is current
-// again afterwards.
-class SolvingScope {
-public:
-  explicit SolvingScope(StudySession &session)
-      : m_session(session), m_run(session.commands()), m_guard(session.data()) {}
-  SolvingScope(const SolvingScope &) = delete;
-  SolvingScope &operator=(const SolvingScope &) = delete;
-  ~SolvingScope() {
-    const EmbeddedHost::CommandResult switched = m_session.commands().switchVersion(m_session.baseline());
-    static_cast<void>(switched); // the baseline exists as long as the project
-  }
-
-private:
-  StudySession &m_session;
-  EmbeddedHost::Commands::SolverRun m_run;
-  OptimizationTool::OptimizationDataSolvingGuard m_guard;
-};
-
 constexpr std::chrono::milliseconds kLongestWait{200};
+
+// A record of an earlier version of the program says nothing of the inputs besides what the solver was given.
+bool isCurrent(const std::vector<std::string> &recorded, const std::vector<std::string> &keys) {
+  return recorded.size() >= 2 && recorded.size() <= keys.size() &&
+         std::equal(recorded.begin(), recorded.end(), keys.begin());
+}
+
+// The attributes, apart from results, that formulas use.
+std::set<std::string> formulaInputsOf(const StudyFile &study) {
+  std::set<std::string> names;
+  for (const StudyFormula &formula : study.formulas) {
+    for (const std::string &name : formula.variables) {
+      if (!study.findAttribute(name)->isResult) {
+        names.insert(name);
+      }
+    }
+  }
+  return names;
+}
+
+void addNew(const std::vector<FileProblem> &found, std::vector<FileProblem> &known) {
+  for (const FileProblem &warning : found) {
+    const auto isSamePlace = [&warning](const FileProblem &other) {
+      return other.file == warning.file && other.line == warning.line && other.column == warning.column;
+    };
+    if (std::none_of(known.begin(), known.end(), isSamePlace)) {
+      known.push_back(warning);
+    }
+  }
+}
+
+// Whether the row was run for what it is now, and the run has come to its end.
+bool isOfThisRun(const EmbeddedHost::RunRecord &record, const RunKeys &keys) {
+  const std::optional<FailureReason> reason = failureReason(record.reason);
+  const bool hasEnded = record.status == RunStatus::Ok ||
+                        (record.status == RunStatus::Failed &&
+                         (reason == FailureReason::Extraction || reason == FailureReason::NotANumber));
+  return hasEnded && record.keys.size() >= 2 && record.keys[0] == keys.run;
+}
 
 } // namespace
 
 SolveObserver::~SolveObserver() = default;
 
-SolveRunner::SolveRunner(StudySession &session, const RunInputs &inputs, const UnitSystem &units,
-                         const std::string &program)
-    : m_session(session), m_inputs(inputs), m_units(units), m_program(program) {
-  std::string ignored; // a program that may be executed but not read is known by its name alone
-  m_fingerprint = fileFingerprint(program, ignored);
+SolveRunner::SolveRunner(ProjectSession &session, const StudyFile &study, const RunInputs &inputs,
+                         const UnitSystem &units, const SolverPrograms &programs)
+    : m_session(session), m_study(study), m_inputs(inputs), m_units(units), m_programs(programs),
+      m_expressions(study) {}
+
+// "Entity.Attribute=value" for the current version; a number goes into `values` besides.
+std::string SolveRunner::exactText(const std::string &name, std::map<std::string, double> &values) const {
+  const ModelAttribute &declared = *m_session.model().find(name);
+  if (declared.kind == AttributeKind::Text) {
+    return name + "=" + declared.value->getValueAsString();
+  }
+  if (!declared.value->hasValue()) {
+    return name + "=";
+  }
+  values[name] = declared.value->getStandardValue();
+  return name + "=" + EmbeddedHost::writeSolverNumber(values[name]);
 }
 
-// Makes the row's version current and fills the templates with its values.
-std::string SolveRunner::render(std::size_t row, Rendered &rendered) {
+// Makes the row's version current and collects what a run of it is given.
+std::string SolveRunner::plan(std::size_t row, RunPlan &plan, std::vector<FileProblem> *warnings) {
   EntityModel::ModelVersion *version = m_session.rowVersion(row);
   if (version == nullptr) {
     return "the version of \"" + m_session.rowName(row) + "\" is gone";
@@ -55,63 +88,99 @@ std::string SolveRunner::render(std::size_t row, Rendered &rendered) {
     return switched.problem;
   }
   std::vector<FileProblem> problems;
-  const ModelValues values(m_session.study(), m_session.attributes());
-  std::optional<std::vector<RunFile>> files = m_inputs.render(values, problems);
-  if (!files) {
+  const ModelValues values(m_session.model());
+  std::optional<std::vector<RunFile>> files = m_inputs.render(values, problems, warnings);
+  auto commands = files ? m_inputs.renderCommands(values, problems, warnings) : std::nullopt;
+  if (!commands) {
     return problems.front().toText();
   }
-  rendered.files = std::move(*files);
-  rendered.keys = runKeys(m_session.study().solver, m_fingerprint, rendered.files);
+  plan.contents.files = std::move(*files);
+  plan.contents.commands = std::move(*commands);
+  for (const std::string &name : formulaInputsOf(m_study)) {
+    plan.contents.constants.push_back(exactText(name, plan.values));
+  }
+  for (const std::string &name : m_study.rule.variables) {
+    exactText(name, plan.values);
+  }
+  plan.keys = runKeys(m_study, m_programs.identities(), plan.contents);
+  plan.keys.inputs = m_session.inputsKey();
   return "";
 }
 
+void SolveRunner::assessRow(std::size_t row, const EmbeddedHost::RunRecord &record, RowState &state) {
+  RunPlan planned;
+  const std::string problem = plan(row, planned);
+  if (!problem.empty()) {
+    state.status = RowStatus::Failed;
+    state.reason = "start: " + problem;
+    return;
+  }
+  const std::string infeasibility = m_expressions.infeasibility([&planned](const std::string &name) {
+    const auto known = planned.values.find(name);
+    return known == planned.values.end() ? std::nullopt : std::optional<double>(known->second);
+  });
+  if (!infeasibility.empty()) {
+    state.status = RowStatus::Infeasible;
+    state.reason = infeasibility;
+  } else if (record.status == RunStatus::Failed || record.status == RunStatus::Running) {
+    state.status = RowStatus::Failed;
+    // Nothing runs while rows are assessed.
+    state.reason = record.status == RunStatus::Running ? EmbeddedHost::kLostRun : record.reason;
+  } else if (record.status == RunStatus::Ok) {
+    state.status = isCurrent(record.keys, planned.keys.texts()) ? RowStatus::Ok : RowStatus::Stale;
+  }
+}
+
 void SolveRunner::assess() {
-  const SolvingScope scope(m_session);
+  const VersionTour tour(m_session);
   const EmbeddedHost::Project::RunRecords records = m_session.project().runRecords();
   for (std::size_t row = 0; row < m_session.rowCount(); ++row) {
     RowState state;
     state.isInStudyFile = m_session.rowState(row).isInStudyFile;
-    Rendered rendered;
-    const std::string problem = render(row, rendered);
-    if (!problem.empty()) {
-      state.status = RowStatus::Failed;
-      state.reason = "start: " + problem;
-      m_session.setRowState(row, state);
-      continue;
-    }
     const auto found = records.find(m_session.rowVersion(row));
-    const EmbeddedHost::RunRecord record = found == records.end() ? EmbeddedHost::RunRecord() : found->second;
-    if (record.status == RunStatus::Failed || record.status == RunStatus::Running) {
-      state.status = RowStatus::Failed;
-      // Nothing runs while rows are assessed.
-      state.reason = record.status == RunStatus::Running ? EmbeddedHost::kLostRun : record.reason;
-    } else if (record.status == RunStatus::Ok) {
-      state.status = record.keys == rendered.keys.texts() ? RowStatus::Ok : RowStatus::Stale;
-    }
+    assessRow(row, found == records.end() ? EmbeddedHost::RunRecord() : found->second, state);
     m_session.setRowState(row, state);
   }
 }
 
-SolveReport SolveRunner::solve(std::size_t parallel, SolveObserver &observer) {
+SolveReport SolveRunner::solve(const SolveOptions &options, SolveObserver &observer) {
   SolveReport report;
-  std::vector<std::size_t> rows;
+  std::vector<std::size_t> rows = options.rows;
   for (std::size_t row = 0; row < m_session.rowCount(); ++row) {
-    if (m_session.rowState(row).status == RowStatus::Ok) {
+    const RowStatus status = m_session.rowState(row).status;
+    if (status == RowStatus::Ok) {
       ++report.alreadySolved;
-    } else {
+    } else if (status == RowStatus::Infeasible) {
+      ++report.infeasible;
+    } else if (options.rows.empty()) {
       rows.push_back(row);
     }
   }
   if (rows.empty()) {
     return report;
   }
+  m_onlyExtracts = options.onlyExtracts;
   observer.begun(rows.size(), report.alreadySolved);
   {
-    const SolvingScope scope(m_session);
-    solveRows(rows, std::max<std::size_t>(1, parallel), observer, report);
+    const VersionTour tour(m_session);
+    solveBaselineFirst(rows, options.keepsGoing, observer, report);
+    solveRows(rows, std::max<std::size_t>(1, options.parallel), observer, report);
   }
   observer.ended();
   return report;
+}
+
+void SolveRunner::solveBaselineFirst(std::vector<std::size_t> &rows, bool keepsGoing, SolveObserver &observer,
+                                     SolveReport &report) {
+  if (rows.size() < 2 || rows.front() != 0) {
+    return;
+  }
+  rows.erase(rows.begin());
+  solveRows({0}, 1, observer, report);
+  const RowState &state = m_session.rowState(0);
+  if (state.status != RowStatus::Ok && !report.isInterrupted && !keepsGoing && report.givenUp.empty()) {
+    report.givenUp = "the baseline failed: " + state.reason;
+  }
 }
 
 // The row has failed for a reason that is not in its record.
@@ -129,14 +198,32 @@ void SolveRunner::stopRow(std::size_t row, const std::string &reason, SolveObser
 // row is begun then.
 std::unique_ptr<VersionRun> SolveRunner::begin(std::size_t row, SolveObserver &observer,
                                                SolveReport &report) {
-  Rendered rendered;
-  std::string problem = render(row, rendered);
+  RunPlan planned;
+  std::vector<FileProblem> warnings;
+  std::string problem = plan(row, planned, &warnings);
+  addNew(warnings, report.warnings);
   if (!problem.empty()) {
     stopRow(row, "start: " + problem, observer, report);
     return nullptr;
   }
-  auto run = std::make_unique<VersionRun>(m_session, m_units, row, *m_session.rowVersion(row));
-  run->prepare(rendered.files, rendered.keys.texts());
+  auto run = std::make_unique<VersionRun>(m_session, m_study, m_units, m_expressions, row,
+                                          *m_session.rowVersion(row));
+  if (m_study.solver.stages.empty()) {
+    run->compute(std::move(planned));
+    return run;
+  }
+  const EmbeddedHost::RunRecord last = m_session.project().runRecord(run->version());
+  // Results are read again when only the way of reading them has changed, or when somebody asks for it.
+  const bool mayExtract =
+      isOfThisRun(last, planned.keys) && (m_onlyExtracts || last.keys[1] != planned.keys.extract);
+  if (mayExtract && run->extractAgain(planned, last)) {
+    ++report.extracted;
+    return run;
+  }
+  if (m_onlyExtracts) {
+    return nullptr;
+  }
+  run->prepare(std::move(planned));
   if (!run->isPrepared()) {
     return run; // a record says why
   }
@@ -146,7 +233,7 @@ std::unique_ptr<VersionRun> SolveRunner::begin(std::size_t row, SolveObserver &o
     stopRow(row, "start: " + problem, observer, report);
     return nullptr;
   }
-  run->start(m_program);
+  run->start(m_programs, m_supervisors);
   return run;
 }
 
@@ -164,6 +251,13 @@ void SolveRunner::record(const VersionRun &run, SolveObserver &observer, SolveRe
   state.status = record.status == RunStatus::Ok ? RowStatus::Ok : RowStatus::Failed;
   state.reason = record.reason;
   m_session.setRowState(run.row(), state);
+  const bool isSame = state.status == RowStatus::Failed && state.reason == m_lastFailure;
+  m_equalFailures = state.status == RowStatus::Ok ? 0 : isSame ? m_equalFailures + 1 : 1;
+  m_lastFailure = state.reason;
+  const std::size_t limit = m_study.stopAfter;
+  if (limit > 0 && m_equalFailures >= limit && report.givenUp.empty()) {
+    report.givenUp = std::to_string(limit) + " equal failures in a row: " + state.reason;
+  }
   ++(state.status == RowStatus::Ok ? report.solved : report.failed);
   observer.finished(m_session.rowName(run.row()), state, record.durationSeconds);
 }
@@ -205,11 +299,13 @@ void SolveRunner::solveRows(const std::vector<std::size_t> &rows, std::size_t pa
   std::size_t next = 0;
   while (true) {
     const int interruptions = observer.interruptions();
-    report.isInterrupted = interruptions > 0 && (next < rows.size() || !running.empty());
+    report.isInterrupted =
+        report.isInterrupted || (interruptions > 0 && (next < rows.size() || !running.empty()));
     if (interruptions > 1) {
       break;
     }
-    while (interruptions == 0 && report.problem.empty() && next < rows.size() && running.size() < parallel) {
+    while (interruptions == 0 && report.problem.empty() && report.givenUp.empty() && next < rows.size() &&
+           running.size() < parallel) {
       if (auto run = begin(rows[next++], observer, report)) {
         running.push_back(std::move(run));
       }

@@ -11,173 +11,173 @@ const std::vector<std::string> kKinds{"real", "integer", "boolean", "choice", "t
 
 } // namespace
 
-void StudyFileReader::readModel(const YAML::Node &node, StudyFile &file) {
-  const std::vector<YamlReader::Entry> entities = m_yaml.entries(node, "the model");
-  for (const YamlReader::Entry &entity : entities) {
+void StudyFileReader::readModel(const StudyNode &node, StudyFile &file) {
+  const std::vector<NodeReader::Entry> entities = m_nodes.entries(node, "the model");
+  for (const NodeReader::Entry &entity : entities) {
     checkName(entity, "an entity's name", "%");
-    for (const YamlReader::Entry &attribute :
-         m_yaml.entries(entity.value, "the entity \"" + entity.key + "\"")) {
+    for (const NodeReader::Entry &attribute :
+         m_nodes.entries(entity.value, "the entity \"" + entity.key + "\"")) {
       readAttribute(attribute, entity.key, file);
     }
   }
-  if (node.IsMap() && entities.empty()) {
-    m_yaml.report(node, "the model has no entity");
+  if (node.isMap() && entities.empty()) {
+    m_nodes.report(node, "the model has no entity");
   }
 }
 
 // Names become variables of the cost, "%Entity.Attribute%", and placeholders, "{{Entity.Attribute in unit}}".
-void StudyFileReader::checkName(const YamlReader::Entry &entry, const std::string &what,
+void StudyFileReader::checkName(const NodeReader::Entry &entry, const std::string &what,
                                 const std::string &forbidden) {
   const std::string &name = entry.key;
   const auto isControl = [](char character) {
     return static_cast<unsigned char>(character) < 0x20 || character == '\x7f';
   };
   if (name.empty()) {
-    m_yaml.report(entry.keyNode, what + " must not be empty");
+    m_nodes.report(entry.keyNode, what + " must not be empty");
   } else if (name.front() == ' ' || name.back() == ' ') {
-    m_yaml.report(entry.keyNode,
-                  what + " must not begin or end with a blank: costs and placeholders would not find it");
+    m_nodes.report(entry.keyNode,
+                   what + " must not begin or end with a blank: costs and placeholders would not find it");
   } else if (std::any_of(name.begin(), name.end(), isControl)) {
-    m_yaml.report(entry.keyNode, what + " must not hold control characters");
+    m_nodes.report(entry.keyNode, what + " must not hold control characters");
   }
   for (const char character : forbidden) {
     if (name.find(character) != std::string::npos) {
-      m_yaml.report(entry.keyNode, what + " must not hold \"" + std::string(1, character) +
-                                       "\", which ends a name in costs and placeholders");
+      m_nodes.report(entry.keyNode, what + " must not hold \"" + std::string(1, character) +
+                                        "\", which ends a name in costs and placeholders");
     }
   }
   for (const char *mark : {" in ", " as ", "{{", "}}"}) {
     if (name.find(mark) != std::string::npos) {
-      m_yaml.report(entry.keyNode,
-                    what + " must not hold \"" + mark + "\", which has a meaning of its own in placeholders");
+      m_nodes.report(entry.keyNode, what + " must not hold \"" + mark +
+                                        "\", which has a meaning of its own in placeholders");
     }
   }
 }
 
-void StudyFileReader::checkUnit(const YAML::Node &node, const std::string &unit) {
+void StudyFileReader::checkUnit(const StudyNode &node, const std::string &unit) {
   const std::string problem = m_units.problemOf(unit);
   if (!problem.empty()) {
-    m_yaml.report(node, problem);
+    m_nodes.report(node, problem);
   }
 }
 
-void StudyFileReader::readAttribute(const YamlReader::Entry &entry, const std::string &entity,
+void StudyFileReader::readAttribute(const NodeReader::Entry &entry, const std::string &entity,
                                     StudyFile &file) {
   checkName(entry, "an attribute's name", "%.");
   StudyAttribute attribute;
   attribute.entity = entity;
   attribute.name = entry.key;
-  attribute.place = YamlReader::place(entry.keyNode);
+  attribute.place = entry.keyNode.place();
   readDeclaration(entry.value, attribute);
   file.attributes.push_back(std::move(attribute));
 }
 
-void StudyFileReader::readDeclaration(const YAML::Node &node, StudyAttribute &attribute) {
-  if (node.IsScalar()) {
+void StudyFileReader::readDeclaration(const StudyNode &node, StudyAttribute &attribute) {
+  if (node.isScalar()) {
     // The short form: a real by its value alone.
-    readUnit(YamlReader::Map(), &node, attribute);
+    readUnit(NodeReader::Map(), &node, attribute);
     attribute.value = readValue(node, attribute).value_or(StudyValue());
     return;
   }
   const std::string what = "the attribute \"" + attribute.fullName() + "\"";
-  const auto map = m_yaml.map(
+  const auto map = m_nodes.map(
       node, what, {"kind", "value", "unit", "minimum", "maximum", "options", "result", "description"});
   if (!map) {
     return;
   }
-  if (const YAML::Node *description = map->find("description")) {
-    attribute.description = m_yaml.text(*description, "description").value_or("");
+  if (const StudyNode *description = map->find("description")) {
+    attribute.description = m_nodes.text(*description, "description").value_or("");
   }
-  if (const YAML::Node *result = map->find("result")) {
-    attribute.isResult = m_yaml.truth(*result, "result").value_or(false);
+  if (const StudyNode *result = map->find("result")) {
+    attribute.isResult = m_nodes.truth(*result, "result").value_or(false);
   }
   readKind(*map, attribute);
-  const YAML::Node *value = map->find("value");
+  const StudyNode *value = map->find("value");
   readUnit(*map, value, attribute);
   // Without a number there is no unit that limits could be in.
   if (value == nullptr || attribute.kind != AttributeKind::Real ||
-      (value->IsScalar() && readQuantity(value->Scalar()))) {
+      (value->isScalar() && readQuantity(value->text()))) {
     readLimits(*map, attribute);
   }
   if (attribute.isResult) {
     if (value != nullptr) {
-      m_yaml.report(*value, "a result has no value before it was computed");
+      m_nodes.report(*value, "a result has no value before it was computed");
     }
   } else if (value == nullptr) {
-    m_yaml.report(node, what + " needs a value");
+    m_nodes.report(node, what + " needs a value");
   } else {
     attribute.value = readValue(*value, attribute).value_or(StudyValue());
   }
 }
 
-void StudyFileReader::readKind(const YamlReader::Map &map, StudyAttribute &attribute) {
-  if (const YAML::Node *kind = map.find("kind")) {
-    attribute.kind = static_cast<AttributeKind>(m_yaml.choice(*kind, "kind", kKinds).value_or(0));
+void StudyFileReader::readKind(const NodeReader::Map &map, StudyAttribute &attribute) {
+  if (const StudyNode *kind = map.find("kind")) {
+    attribute.kind = static_cast<AttributeKind>(m_nodes.choice(*kind, "kind", kKinds).value_or(0));
     if (attribute.isResult && attribute.kind != AttributeKind::Real &&
         attribute.kind != AttributeKind::Integer) {
-      m_yaml.report(*kind, "a result is a real or an integer");
+      m_nodes.report(*kind, "a result is a real or an integer");
     }
   }
-  const YAML::Node *options = map.find("options");
+  const StudyNode *options = map.find("options");
   if (attribute.kind != AttributeKind::Choice) {
     if (options != nullptr) {
-      m_yaml.report(*options, "only a choice has options");
+      m_nodes.report(*options, "only a choice has options");
     }
     return;
   }
   if (options == nullptr) {
-    m_yaml.report(map.node(), "a choice needs options");
+    m_nodes.report(map.node(), "a choice needs options");
     return;
   }
-  for (const YAML::Node &node : m_yaml.sequence(*options, "options").value_or(std::vector<YAML::Node>())) {
-    const std::optional<std::string> option = m_yaml.word(node, "an option");
+  for (const StudyNode &node : m_nodes.sequence(*options, "options")) {
+    const std::optional<std::string> option = m_nodes.word(node, "an option");
     if (!option) {
       continue;
     }
     if (std::find(attribute.options.begin(), attribute.options.end(), *option) != attribute.options.end()) {
-      m_yaml.report(node, "the option \"" + *option + "\" is already in the list");
+      m_nodes.report(node, "the option \"" + *option + "\" is already in the list");
     }
     attribute.options.push_back(*option);
   }
 }
 
-void StudyFileReader::readUnit(const YamlReader::Map &map, const YAML::Node *value,
+void StudyFileReader::readUnit(const NodeReader::Map &map, const StudyNode *value,
                                StudyAttribute &attribute) {
-  const YAML::Node *unit = map.find("unit");
+  const StudyNode *unit = map.find("unit");
   if (attribute.kind != AttributeKind::Real) {
     if (unit != nullptr) {
-      m_yaml.report(*unit, "only a real has a unit");
+      m_nodes.report(*unit, "only a real has a unit");
     }
     return;
   }
   if (unit != nullptr) {
-    attribute.unit = m_yaml.text(*unit, "unit").value_or("");
+    attribute.unit = m_nodes.text(*unit, "unit").value_or("");
     checkUnit(*unit, attribute.unit);
-  } else if (value != nullptr && value->IsScalar()) {
-    attribute.unit = readQuantity(value->Scalar()).value_or(WrittenQuantity()).unit;
+  } else if (value != nullptr && value->isScalar()) {
+    attribute.unit = readQuantity(value->text()).value_or(WrittenQuantity()).unit;
   }
 }
 
-void StudyFileReader::readLimits(const YamlReader::Map &map, StudyAttribute &attribute) {
+void StudyFileReader::readLimits(const NodeReader::Map &map, StudyAttribute &attribute) {
   const bool isNumber = attribute.kind == AttributeKind::Real || attribute.kind == AttributeKind::Integer;
   for (const char *key : {"minimum", "maximum"}) {
-    const YAML::Node *limit = map.find(key);
+    const StudyNode *limit = map.find(key);
     if (limit == nullptr) {
       continue;
     }
     if (!isNumber) {
-      m_yaml.report(*limit, std::string("only a real or an integer has a ") + key);
+      m_nodes.report(*limit, std::string("only a real or an integer has a ") + key);
       continue;
     }
     const std::optional<double> number =
         attribute.kind == AttributeKind::Real ? readReal(*limit, attribute, false) : std::nullopt;
     const std::optional<long long> whole =
-        attribute.kind == AttributeKind::Integer ? m_yaml.whole(*limit, key) : std::nullopt;
+        attribute.kind == AttributeKind::Integer ? m_nodes.whole(*limit, key) : std::nullopt;
     (std::string(key) == "minimum" ? attribute.minimum : attribute.maximum) =
         whole ? std::optional<double>(static_cast<double>(*whole)) : number;
   }
   if (attribute.minimum && attribute.maximum && *attribute.minimum > *attribute.maximum) {
-    m_yaml.report(*map.find("maximum"), "the maximum is below the minimum");
+    m_nodes.report(*map.find("maximum"), "the maximum is below the minimum");
   }
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "EmbeddedHost/CsvText.h"
+#include "Workbench/StudyExpression.h"
 #include "Workbench/StudyFile.h"
 #include "Workbench/UnitSystem.h"
-#include "Workbench/src/YamlReader.h"
+#include "Workbench/src/NodeReader.h"
 
 #include <map>
 #include <optional>
@@ -21,68 +23,117 @@ struct WrittenQuantity {
 // Takes a text such as "10 kohm" apart; empty when it is none.
 std::optional<WrittenQuantity> readQuantity(const std::string &text);
 
-// Turns the YAML document of a study file into a StudyFile. Everything wrong is reported through the YAML
-// reader; the result is of use only when nothing was.
+// The text of an expression, which knows no other white space than blanks, of the same length.
+std::string onOneLine(std::string text);
+
+// Turns the document of a study file into a StudyFile. Everything wrong is reported through the reader of nodes; the result is of use only when nothing was.
 class StudyFileReader {
 public:
-  StudyFileReader(YamlReader &yaml, const UnitSystem &units) : m_yaml(yaml), m_units(units) {}
+  StudyFileReader(NodeReader &nodes, const UnitSystem &units) : m_nodes(nodes), m_units(units) {}
 
-  void readDocument(const YAML::Node &document, StudyFile &file);
+  void readDocument(const StudyNode &document, StudyFile &file);
 
 private:
   // StudyFileModel.cpp
-  void readModel(const YAML::Node &node, StudyFile &file);
-  void readAttribute(const YamlReader::Entry &entry, const std::string &entity, StudyFile &file);
-  void readDeclaration(const YAML::Node &node, StudyAttribute &attribute);
-  void readKind(const YamlReader::Map &map, StudyAttribute &attribute);
-  void readUnit(const YamlReader::Map &map, const YAML::Node *value, StudyAttribute &attribute);
-  void readLimits(const YamlReader::Map &map, StudyAttribute &attribute);
-  void checkName(const YamlReader::Entry &entry, const std::string &what, const std::string &forbidden);
-  void checkUnit(const YAML::Node &node, const std::string &unit);
+  void readModel(const StudyNode &node, StudyFile &file);
+  void readAttribute(const NodeReader::Entry &entry, const std::string &entity, StudyFile &file);
+  void readDeclaration(const StudyNode &node, StudyAttribute &attribute);
+  void readKind(const NodeReader::Map &map, StudyAttribute &attribute);
+  void readUnit(const NodeReader::Map &map, const StudyNode *value, StudyAttribute &attribute);
+  void readLimits(const NodeReader::Map &map, StudyAttribute &attribute);
+  void checkName(const NodeReader::Entry &entry, const std::string &what, const std::string &forbidden);
+  void checkUnit(const StudyNode &node, const std::string &unit);
 
   // StudyFileValues.cpp
-  std::optional<StudyValue> readValue(const YAML::Node &node, const StudyAttribute &attribute);
-  std::optional<double> readReal(const YAML::Node &node, const StudyAttribute &attribute, bool isDifference);
-  bool checkLimits(const YAML::Node &node, const StudyAttribute &attribute, double number);
+  std::optional<StudyValue> readValue(const StudyNode &node, const StudyAttribute &attribute);
+  std::optional<double> readReal(const StudyNode &node, const StudyAttribute &attribute, bool isDifference);
+  bool checkLimits(const StudyNode &node, const StudyAttribute &attribute, double number);
 
   // StudyFileSolver.cpp
-  void readSolver(const YAML::Node &node, StudyFile &file);
-  std::vector<StudyInputFile> readInputFiles(const YAML::Node &node, const std::string &what);
-  void checkPath(const YAML::Node &node, const std::string &path, const std::string &what);
+  void readSolver(const StudyNode &node, StudyFile &file);
+  void readRunSettings(const NodeReader::Map &map, StudySolver &solver);
+  std::vector<StudyInputFile> readInputFiles(const StudyNode &node, const std::string &what);
+  void checkPath(const StudyNode &node, const std::string &path, const std::string &what);
   void checkTargets(const StudySolver &solver);
-  void readCommand(const YAML::Node &node, StudySolver &solver);
-  void readTimeLimit(const YAML::Node &node, StudySolver &solver);
-  void readExitCodes(const YAML::Node &node, StudySolver &solver);
-  void readEnvironment(const YAML::Node &node, StudySolver &solver);
-  void readExtractors(const YAML::Node &node, StudyFile &file);
-  void readExtractor(const YamlReader::Entry &entry, StudyFile &file);
+  void readEnvironment(const StudyNode &node, StudySolver &solver);
+  void readRetries(const StudyNode &node, StudySolver &solver);
+  void readOutputLimit(const StudyNode &node, StudySolver &solver);
+
+  // StudyFileStages.cpp
+  void readStages(const NodeReader::Map &map, StudySolver &solver);
+  void readStage(const StudyNode &node, const StudyStage &defaults, StudySolver &solver);
+  void readStageName(const StudyNode &node, const StudySolver &solver, StudyStage &stage);
+  void readCommand(const StudyNode &node, StudyStage &stage);
+  std::optional<StudyArgument> readArgument(const StudyNode &node);
+  void readVersionCommand(const StudyNode &node, StudyStage &stage);
+  void readTimeLimit(const StudyNode &node, StudyStage &stage);
+  void readExitCodes(const StudyNode &node, StudyStage &stage);
+
+  // StudyFileResults.cpp
+  void readExtractors(const StudyNode &node, StudyFile &file);
+  void readExtractor(const NodeReader::Entry &entry, StudyFile &file);
+  const StudyAttribute *readResultName(const NodeReader::Entry &entry, const StudyFile &file);
+  void readSource(const NodeReader::Map &map, const std::string &what, const StudySolver &solver,
+                  StudyExtractor &extractor);
+  void readResultUnit(const NodeReader::Map &map, const StudyAttribute *attribute, StudyExtractor &extractor);
+  void readPlausible(const NodeReader::Map &map, const StudyAttribute *attribute,
+                     std::optional<double> &minimum, std::optional<double> &maximum);
+  std::optional<std::size_t> readStageReference(const StudyNode &node, const StudySolver &solver);
+  void readSuccess(const StudyNode &node, StudySolver &solver);
+  void checkResults(const StudyFile &file);
+
+  // StudyFileSearches.cpp
+  bool readSearch(const std::string &way, const NodeReader::Map &map, EmbeddedHost::ExtractionRule &rule);
+  bool readSearchText(const StudyNode &node, const std::string &what, std::string &text);
+  bool readCount(const StudyNode &node, const std::string &what, std::size_t least, std::size_t &number);
+  bool readPatternSearch(const NodeReader::Map &map, EmbeddedHost::ExtractionRule &rule);
+  bool readColumnSearch(const NodeReader::Map &map, EmbeddedHost::ExtractionRule &rule);
+  bool readFixedSearch(const NodeReader::Map &map, EmbeddedHost::ExtractionRule &rule);
+  bool readWhere(const StudyNode &node, EmbeddedHost::ExtractionRule &rule);
+  bool readTableColumn(const StudyNode &node, EmbeddedHost::TableColumn &column);
+  std::optional<char> readDelimiter(const StudyNode &node);
+
+  // StudyFileFormulas.cpp
+  void readFormulas(const StudyNode &node, StudyFile &file);
+  void readFormula(const NodeReader::Entry &entry, StudyFile &file);
+  void orderFormulas(StudyFile &file);
+  void readRule(const StudyNode &node, StudyFile &file);
+  void checkCost(const StudyNode &node, StudyFile &file);
+  std::optional<StudyExpression> readExpression(const StudyNode &node, const std::string &what,
+                                                const std::vector<std::string> &names,
+                                                const std::string &otherwise, StudyFile &file);
 
   // StudyFileStudy.cpp
-  void readStudy(const YAML::Node &node, StudyFile &file);
-  std::vector<StudyGroup> readGroups(const YAML::Node &node, bool isInput, const StudyFile &file);
-  std::optional<StudyGroup> readGroup(const YAML::Node &node, bool isInput, const StudyFile &file);
-  void readGroupAttributes(const YamlReader::Map &map, bool isInput, const StudyFile &file,
+  void readStudy(const StudyNode &node, StudyFile &file);
+  std::vector<StudyGroup> readGroups(const StudyNode &node, bool isInput, const StudyFile &file);
+  std::optional<StudyGroup> readGroup(const StudyNode &node, bool isInput, const StudyFile &file);
+  void readGroupAttributes(const NodeReader::Map &map, bool isInput, const StudyFile &file,
                            StudyGroup &group);
-  const StudyAttribute *readAttributeName(const YAML::Node &node, const StudyFile &file);
-  void readGroupLimits(const YamlReader::Map &map, const StudyAttribute &attribute, StudyGroup &group);
+  const StudyAttribute *readAttributeName(const StudyNode &node, const StudyFile &file);
+  void readGroupLimits(const NodeReader::Map &map, const StudyAttribute &attribute, StudyGroup &group);
   void checkGroupNames(const StudyFile &file);
 
   // StudyFileRows.cpp
-  void readRows(const YAML::Node &node, StudyFile &file);
-  void readRowList(const YAML::Node &node, StudyFile &file);
-  void readGrid(const YAML::Node &node, StudyFile &file);
-  std::vector<StudyValue> readGridAxis(const YAML::Node &node, const StudyGroup &group,
-                                       const StudyFile &file);
-  std::vector<StudyValue> stepsOf(const YAML::Node &node, const StudyGroup &limits,
+  void readRows(const StudyNode &node, StudyFile &file);
+  void readRowList(const StudyNode &node, StudyFile &file);
+  void readGrid(const StudyNode &node, StudyFile &file);
+  std::vector<StudyValue> readGridAxis(const StudyNode &node, const StudyGroup &group, const StudyFile &file);
+  std::vector<StudyValue> stepsOf(const StudyNode &node, const StudyGroup &limits,
                                   const StudyAttribute &attribute);
-  bool checkGroupLimits(const YAML::Node &node, const StudyGroup &group, const StudyFile &file,
+  bool checkGroupLimits(const StudyNode &node, const StudyGroup &group, const StudyFile &file,
                         const StudyValue &value);
-  void appendGridRows(const YAML::Node &node, const std::vector<std::vector<StudyValue>> &axes,
+  void appendGridRows(const StudyNode &node, const std::vector<std::vector<StudyValue>> &axes,
                       StudyFile &file);
   static void dropEqualRows(StudyFile &file);
+  void checkRowName(const StudyNode &node, const StudyRow &row);
 
-  YamlReader &m_yaml;
+  // StudyFileTable.cpp
+  void readTable(const StudyNode &node, StudyFile &file);
+  void readTableText(const std::string &path, const std::string &text, char delimiter, StudyFile &file);
+
+  NodeReader &m_nodes;
   const UnitSystem &m_units;
+  std::map<std::string, FilePlace> m_rowNames;
 };
 
 } // namespace Workbench

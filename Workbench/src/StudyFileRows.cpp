@@ -44,54 +44,51 @@ std::vector<std::string> keyOf(const StudyFile &file, const std::vector<StudyVal
 
 } // namespace
 
-void StudyFileReader::readRows(const YAML::Node &node, StudyFile &file) {
-  if (node.IsSequence()) {
+void StudyFileReader::readRows(const StudyNode &node, StudyFile &file) {
+  if (node.isList()) {
     readRowList(node, file);
     dropEqualRows(file);
     return;
   }
-  const auto map = m_yaml.map(node, "variants", {"list", "grid"});
+  const auto map = m_nodes.map(node, "variants", {"list", "grid", "csv"});
   if (!map) {
     return;
   }
-  if (const YAML::Node *list = map->find("list")) {
+  if (const StudyNode *list = map->find("list")) {
     readRowList(*list, file);
   }
-  if (const YAML::Node *grid = map->find("grid")) {
+  if (const StudyNode *grid = map->find("grid")) {
     readGrid(*grid, file);
+  }
+  if (const StudyNode *table = map->find("csv")) {
+    readTable(*table, file);
   }
   dropEqualRows(file);
 }
 
-void StudyFileReader::readRowList(const YAML::Node &node, StudyFile &file) {
-  std::map<std::string, FilePlace> names;
-  for (const YAML::Node &item :
-       m_yaml.sequence(node, "the list of variants").value_or(std::vector<YAML::Node>())) {
-    const auto map = m_yaml.map(item, "a variant", {"name", "values"});
+void StudyFileReader::readRowList(const StudyNode &node, StudyFile &file) {
+  for (const StudyNode &item : m_nodes.sequence(node, "the list of variants")) {
+    const auto map = m_nodes.map(item, "a variant", {"name", "values"});
     if (!map) {
       continue;
     }
     StudyRow row;
-    row.place = YamlReader::place(item);
+    row.place = item.place();
     row.values = baselineValues(file);
-    if (const YAML::Node *name = map->find("name")) {
-      row.name = m_yaml.word(*name, "name").value_or("");
-      const auto [known, isNew] = names.emplace(row.name, row.place);
-      if (!isNew && !row.name.empty()) {
-        m_yaml.report(*name, "the name \"" + row.name + "\" is already taken by the variant in line " +
-                                 std::to_string(known->second.line));
-      }
+    if (const StudyNode *name = map->find("name")) {
+      row.name = m_nodes.word(*name, "name").value_or("");
+      checkRowName(*name, row);
     }
-    const YAML::Node *values = map->find("values");
+    const StudyNode *values = map->find("values");
     if (values == nullptr) {
-      m_yaml.report(item, "a variant needs values; those of inputs it does not name are the baseline's");
+      m_nodes.report(item, "a variant needs values; those of inputs it does not name are the baseline's");
       continue;
     }
-    for (const YamlReader::Entry &entry : m_yaml.entries(*values, "values")) {
+    for (const NodeReader::Entry &entry : m_nodes.entries(*values, "values")) {
       const std::size_t index = findInput(file, entry.key);
       if (index == file.inputs.size()) {
-        m_yaml.report(entry.keyNode,
-                      "there is no input \"" + entry.key + "\"" + didYouMean(entry.key, inputNames(file)));
+        m_nodes.report(entry.keyNode,
+                       "there is no input \"" + entry.key + "\"" + didYouMean(entry.key, inputNames(file)));
         continue;
       }
       const StudyAttribute &attribute = *file.findAttribute(file.inputs[index].macro());
@@ -104,8 +101,17 @@ void StudyFileReader::readRowList(const YAML::Node &node, StudyFile &file) {
   }
 }
 
+// Rows are found again by their names.
+void StudyFileReader::checkRowName(const StudyNode &node, const StudyRow &row) {
+  const auto [known, isNew] = m_rowNames.emplace(row.name, row.place);
+  if (!isNew && !row.name.empty()) {
+    m_nodes.report(node, "the name \"" + row.name + "\" is already taken by the variant in line " +
+                             std::to_string(known->second.line));
+  }
+}
+
 // A value has to suit the input and every attribute that takes it.
-bool StudyFileReader::checkGroupLimits(const YAML::Node &node, const StudyGroup &group, const StudyFile &file,
+bool StudyFileReader::checkGroupLimits(const StudyNode &node, const StudyGroup &group, const StudyFile &file,
                                        const StudyValue &value) {
   for (std::size_t index = 1; index < group.attributes.size(); ++index) {
     if (!checkLimits(node, *file.findAttribute(group.attributes[index]), value.number)) {
@@ -117,14 +123,14 @@ bool StudyFileReader::checkGroupLimits(const YAML::Node &node, const StudyGroup 
   if (isBelow || isAbove) {
     StudyValue limit;
     limit.number = isBelow ? *group.minimum : *group.maximum;
-    m_yaml.report(node, "\"" + value.text + "\" is " + (isBelow ? "below the minimum" : "above the maximum") +
-                            " of the input \"" + group.title() + "\", " +
-                            hostText(*file.findAttribute(group.macro()), limit));
+    m_nodes.report(node, "\"" + value.text + "\" is " +
+                             (isBelow ? "below the minimum" : "above the maximum") + " of the input \"" +
+                             group.title() + "\", " + hostText(*file.findAttribute(group.macro()), limit));
   }
   return !isBelow && !isAbove;
 }
 
-void StudyFileReader::readGrid(const YAML::Node &node, StudyFile &file) {
+void StudyFileReader::readGrid(const StudyNode &node, StudyFile &file) {
   std::vector<std::vector<StudyValue>> axes(file.inputs.size());
   const std::vector<StudyValue> baseline = baselineValues(file);
   for (std::size_t index = 0; index < axes.size(); ++index) {
@@ -132,15 +138,15 @@ void StudyFileReader::readGrid(const YAML::Node &node, StudyFile &file) {
   }
   std::set<std::size_t> named;
   double count = 1.0;
-  for (const YamlReader::Entry &entry : m_yaml.entries(node, "the grid")) {
+  for (const NodeReader::Entry &entry : m_nodes.entries(node, "the grid")) {
     const std::size_t index = findInput(file, entry.key);
     if (index == file.inputs.size()) {
-      m_yaml.report(entry.keyNode,
-                    "there is no input \"" + entry.key + "\"" + didYouMean(entry.key, inputNames(file)));
+      m_nodes.report(entry.keyNode,
+                     "there is no input \"" + entry.key + "\"" + didYouMean(entry.key, inputNames(file)));
       continue;
     }
     if (!named.insert(index).second) {
-      m_yaml.report(entry.keyNode, "the input \"" + entry.key + "\" is in the grid twice");
+      m_nodes.report(entry.keyNode, "the input \"" + entry.key + "\" is in the grid twice");
       continue;
     }
     const StudyGroup &group = file.inputs[index];
@@ -148,31 +154,33 @@ void StudyFileReader::readGrid(const YAML::Node &node, StudyFile &file) {
     count *= static_cast<double>(axes[index].size());
   }
   if (count > static_cast<double>(kLargestGrid)) {
-    m_yaml.report(node, "the grid has more than " + std::to_string(kLargestGrid) + " rows");
+    m_nodes.report(node, "the grid has " + EmbeddedHost::writeSolverNumber(count) + " rows, more than " +
+                             std::to_string(kLargestGrid));
     return;
   }
+  file.gridRows = static_cast<std::size_t>(count);
   appendGridRows(node, axes, file);
 }
 
-std::vector<StudyValue> StudyFileReader::readGridAxis(const YAML::Node &node, const StudyGroup &group,
+std::vector<StudyValue> StudyFileReader::readGridAxis(const StudyNode &node, const StudyGroup &group,
                                                       const StudyFile &file) {
   const StudyAttribute &attribute = *file.findAttribute(group.macro());
   std::vector<StudyValue> values;
-  if (node.IsSequence()) {
-    for (const YAML::Node &item : node) {
+  if (node.isList()) {
+    for (const StudyNode &item : node.items()) {
       const std::optional<StudyValue> value = readValue(item, attribute);
       if (value && checkGroupLimits(item, group, file, *value)) {
         values.push_back(*value);
       }
     }
-    if (node.size() == 0) {
-      m_yaml.report(node, "an axis of a grid needs at least one value");
+    if (node.items().size() == 0) {
+      m_nodes.report(node, "an axis of a grid needs at least one value");
     }
     return values;
   }
   StudyGroup limits = group;
-  if (!node.IsNull()) {
-    const auto map = m_yaml.map(node, "an axis of a grid", {"minimum", "maximum", "step"});
+  if (!node.isNothing()) {
+    const auto map = m_nodes.map(node, "an axis of a grid", {"minimum", "maximum", "step"});
     if (!map) {
       return values;
     }
@@ -192,12 +200,12 @@ std::vector<StudyValue> StudyFileReader::readGridAxis(const YAML::Node &node, co
 }
 
 // min, min + step, min + 2 step and so on; the maximum is included when a step ends on it within rounding.
-std::vector<StudyValue> StudyFileReader::stepsOf(const YAML::Node &node, const StudyGroup &limits,
+std::vector<StudyValue> StudyFileReader::stepsOf(const StudyNode &node, const StudyGroup &limits,
                                                  const StudyAttribute &attribute) {
   std::vector<StudyValue> values;
   if (!limits.minimum || !limits.maximum || !limits.step) {
-    m_yaml.report(node, "the input \"" + limits.title() +
-                            "\" needs minimum, maximum and step to be an axis of a grid");
+    m_nodes.report(node, "the input \"" + limits.title() +
+                             "\" needs minimum, maximum and step to be an axis of a grid");
     return values;
   }
   if (*limits.step <= 0.0 || *limits.maximum < *limits.minimum) {
@@ -205,7 +213,7 @@ std::vector<StudyValue> StudyFileReader::stepsOf(const YAML::Node &node, const S
   }
   const double steps = (*limits.maximum - *limits.minimum) / *limits.step;
   if (!(steps < static_cast<double>(kLargestGrid))) {
-    m_yaml.report(node, "an axis of more than " + std::to_string(kLargestGrid) + " values is not allowed");
+    m_nodes.report(node, "an axis of more than " + std::to_string(kLargestGrid) + " values is not allowed");
     return values;
   }
   const auto last = static_cast<std::size_t>(std::floor(steps + 1e-9));
@@ -213,14 +221,14 @@ std::vector<StudyValue> StudyFileReader::stepsOf(const YAML::Node &node, const S
     StudyValue value;
     value.number = std::min(*limits.minimum + static_cast<double>(index) * *limits.step, *limits.maximum);
     value.text = hostText(attribute, value);
-    value.place = YamlReader::place(node);
+    value.place = node.place();
     values.push_back(std::move(value));
   }
   return values;
 }
 
 // The first input varies slowest.
-void StudyFileReader::appendGridRows(const YAML::Node &node, const std::vector<std::vector<StudyValue>> &axes,
+void StudyFileReader::appendGridRows(const StudyNode &node, const std::vector<std::vector<StudyValue>> &axes,
                                      StudyFile &file) {
   std::size_t count = 1;
   for (const std::vector<StudyValue> &axis : axes) {
@@ -228,7 +236,7 @@ void StudyFileReader::appendGridRows(const YAML::Node &node, const std::vector<s
   }
   for (std::size_t number = 0; number < count; ++number) {
     StudyRow row;
-    row.place = YamlReader::place(node);
+    row.place = node.place();
     row.values.resize(axes.size());
     std::size_t rest = number;
     for (std::size_t index = axes.size(); index-- > 0;) {

@@ -41,15 +41,15 @@ std::optional<WrittenQuantity> readQuantity(const std::string &text) {
 }
 
 // A number, or a number and a unit, converted to the attribute's declared unit.
-std::optional<double> StudyFileReader::readReal(const YAML::Node &node, const StudyAttribute &attribute,
+std::optional<double> StudyFileReader::readReal(const StudyNode &node, const StudyAttribute &attribute,
                                                 bool isDifference) {
-  const std::optional<std::string> text = m_yaml.text(node, "a value of \"" + attribute.fullName() + "\"");
+  const std::optional<std::string> text = m_nodes.text(node, "a value of \"" + attribute.fullName() + "\"");
   if (!text) {
     return std::nullopt;
   }
   const std::optional<WrittenQuantity> quantity = readQuantity(*text);
   if (!quantity) {
-    m_yaml.report(node, "\"" + *text + "\" is not a number, alone or with a unit");
+    m_nodes.report(node, "\"" + *text + "\" is not a number, alone or with a unit");
     return std::nullopt;
   }
   const auto &[number, unit] = *quantity;
@@ -58,41 +58,40 @@ std::optional<double> StudyFileReader::readReal(const YAML::Node &node, const St
   }
   const std::string problem = m_units.problemOf(unit);
   if (!problem.empty()) {
-    m_yaml.report(node, problem);
+    m_nodes.report(node, problem);
     return std::nullopt;
   }
   std::optional<double> converted = isDifference ? m_units.convertDifference(number, unit, attribute.unit)
                                                  : m_units.convert(number, unit, attribute.unit);
   if (!converted || !std::isfinite(*converted)) {
-    m_yaml.report(node,
-                  "\"" + unit + "\" cannot be converted to " +
-                      (attribute.unit.empty() ? "a number without unit" : "\"" + attribute.unit + "\"") +
-                      ", in which \"" + attribute.fullName() + "\" is declared" +
-                      UnitSystem::conversionHint(unit, attribute.unit));
+    m_nodes.report(node,
+                   "\"" + unit + "\" cannot be converted to " +
+                       (attribute.unit.empty() ? "a number without unit" : "\"" + attribute.unit + "\"") +
+                       ", in which \"" + attribute.fullName() + "\" is declared" +
+                       UnitSystem::conversionHint(unit, attribute.unit));
     return std::nullopt;
   }
   return converted;
 }
 
-bool StudyFileReader::checkLimits(const YAML::Node &node, const StudyAttribute &attribute, double number) {
-  const std::string shown = node.IsScalar() ? node.Scalar() : limitText(number, attribute.unit);
+bool StudyFileReader::checkLimits(const StudyNode &node, const StudyAttribute &attribute, double number) {
+  const std::string shown = node.isScalar() ? node.text() : limitText(number, attribute.unit);
   if (attribute.minimum && number < *attribute.minimum) {
-    m_yaml.report(node, "\"" + shown + "\" is below the minimum of \"" + attribute.fullName() + "\", " +
-                            limitText(*attribute.minimum, attribute.unit));
+    m_nodes.report(node, "\"" + shown + "\" is below the minimum of \"" + attribute.fullName() + "\", " +
+                             limitText(*attribute.minimum, attribute.unit));
     return false;
   }
   if (attribute.maximum && number > *attribute.maximum) {
-    m_yaml.report(node, "\"" + shown + "\" is above the maximum of \"" + attribute.fullName() + "\", " +
-                            limitText(*attribute.maximum, attribute.unit));
+    m_nodes.report(node, "\"" + shown + "\" is above the maximum of \"" + attribute.fullName() + "\", " +
+                             limitText(*attribute.maximum, attribute.unit));
     return false;
   }
   return true;
 }
 
-std::optional<StudyValue> StudyFileReader::readValue(const YAML::Node &node,
-                                                     const StudyAttribute &attribute) {
+std::optional<StudyValue> StudyFileReader::readValue(const StudyNode &node, const StudyAttribute &attribute) {
   StudyValue value;
-  value.place = YamlReader::place(node);
+  value.place = node.place();
   const std::string what = "a value of \"" + attribute.fullName() + "\"";
   switch (attribute.kind) {
   case AttributeKind::Real:
@@ -102,9 +101,9 @@ std::optional<StudyValue> StudyFileReader::readValue(const YAML::Node &node,
     }
     return std::nullopt;
   case AttributeKind::Integer:
-    if (const std::optional<long long> whole = m_yaml.whole(node, what)) {
+    if (const std::optional<long long> whole = m_nodes.whole(node, what)) {
       if (*whole < std::numeric_limits<int>::min() || *whole > std::numeric_limits<int>::max()) {
-        m_yaml.report(node, "\"" + node.Scalar() + "\" is outside the range of an integer");
+        m_nodes.report(node, "\"" + node.text() + "\" is outside the range of an integer");
         return std::nullopt;
       }
       value.number = static_cast<double>(*whole);
@@ -112,25 +111,25 @@ std::optional<StudyValue> StudyFileReader::readValue(const YAML::Node &node,
     }
     return std::nullopt;
   case AttributeKind::Boolean:
-    if (const std::optional<bool> truth = m_yaml.truth(node, what)) {
+    if (const std::optional<bool> truth = m_nodes.truth(node, what)) {
       value.number = *truth ? 1.0 : 0.0;
       break;
     }
     return std::nullopt;
   case AttributeKind::Choice:
-    if (const std::optional<std::size_t> option = m_yaml.choice(node, what, attribute.options)) {
+    if (const std::optional<std::size_t> option = m_nodes.choice(node, what, attribute.options)) {
       value.number = static_cast<double>(*option + 1);
       break;
     }
     return std::nullopt;
   case AttributeKind::Text:
-    if (const std::optional<std::string> text = m_yaml.text(node, what)) {
+    if (const std::optional<std::string> text = m_nodes.text(node, what)) {
       value.text = *text;
       return value;
     }
     return std::nullopt;
   }
-  value.text = node.Scalar();
+  value.text = node.text();
   return checkLimits(node, attribute, value.number) ? std::optional<StudyValue>(value) : std::nullopt;
 }
 

@@ -3,7 +3,9 @@
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/OptimizationManager.h"
 #include "Workbench/StudySession.h"
+#include "Workbench/src/StudyEditing.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <unordered_map>
 
@@ -38,51 +40,111 @@ std::string joined(const std::vector<std::string> &parts) {
 
 } // namespace
 
-std::string StudySession::addGroups(bool isInput) {
-  for (const StudyGroup &declared : isInput ? m_study.inputs : m_study.outputs) {
-    for (std::size_t index = 0; index < declared.attributes.size(); ++index) {
-      EntityModel::Attribute *attribute = m_attributes->find(declared.attributes[index]);
-      if (!OptimizationManager::isItemValid(attribute, isInput, !isInput, m_study.type)) {
-        return "\"" + declared.attributes[index] + "\" cannot take part in a study of this type";
-      }
-      if (index > 0) {
-        const int last = (isInput ? data().getNumInputs() : data().getNumOutputs()) - 1;
-        if (!data().getGroup(isInput, last).appendVariable(attribute)) {
-          return "\"" + declared.attributes[index] + "\" could not be added to its group";
-        }
-      } else if (isInput) {
-        OptimizationManager::instance().addInputAttribute(attribute);
-      } else {
-        OptimizationManager::instance().addOutputAttribute(attribute);
-      }
+EntityModel::Attribute *StudySession::attributeOf(const std::string &fullName) const {
+  const ModelAttribute *attribute = model().find(fullName);
+  return attribute == nullptr ? nullptr : attribute->value;
+}
+
+void StudySession::markInStudyFile(std::size_t row, bool isInStudyFile) {
+  RowState state = rowState(row);
+  state.isInStudyFile = isInStudyFile;
+  setRowState(row, std::move(state));
+}
+
+std::string StudySession::addGroup(bool isInput, const StudyGroup &declared) {
+  for (std::size_t index = 0; index < declared.attributes.size(); ++index) {
+    EntityModel::Attribute *attribute = attributeOf(declared.attributes[index]);
+    if (!OptimizationManager::isItemValid(attribute, isInput, !isInput, m_study.type)) {
+      return "\"" + declared.attributes[index] + "\" cannot take part in a study of this type";
     }
-    const int last = (isInput ? data().getNumInputs() : data().getNumOutputs()) - 1;
-    data().getGroup(isInput, last).setName(declared.name);
+    if (index > 0) {
+      if (!groupAt(isInput, groupCount(isInput) - 1).appendVariable(attribute)) {
+        return "\"" + declared.attributes[index] + "\" could not be added to its group";
+      }
+    } else if (isInput) {
+      OptimizationManager::instance().addInputAttribute(attribute);
+    } else {
+      OptimizationManager::instance().addOutputAttribute(attribute);
+    }
   }
+  groupAt(isInput, groupCount(isInput) - 1).setName(declared.name);
   return "";
 }
 
-std::string StudySession::compareGroups(bool isInput) const {
-  const std::vector<StudyGroup> &declared = isInput ? m_study.inputs : m_study.outputs;
-  const int count = isInput ? data().getNumInputs() : data().getNumOutputs();
-  if (static_cast<std::size_t>(count) != declared.size()) {
-    return "it has " + std::to_string(count) + ", the study file " + std::to_string(declared.size());
+OptimizationGroup StudySession::groupAt(bool isInput, std::size_t index) const {
+  return data().getGroup(isInput, static_cast<int>(index));
+}
+
+std::vector<std::string> StudySession::attributesOf(bool isInput, std::size_t index) const {
+  const OptimizationGroup group = groupAt(isInput, index);
+  std::vector<std::string> attributes;
+  attributes.reserve(static_cast<std::size_t>(group.size()));
+  for (int number = 0; number < group.size(); ++number) {
+    attributes.push_back(group.getVariable(number).getAttributeMacro());
   }
-  for (int index = 0; index < count; ++index) {
-    const StudyGroup &expected = declared[static_cast<std::size_t>(index)];
-    OptimizationGroup group = data().getGroup(isInput, index);
-    std::vector<std::string> attributes;
-    attributes.reserve(static_cast<std::size_t>(group.size()));
-    for (int number = 0; number < group.size(); ++number) {
-      attributes.push_back(group.getVariable(number).getAttributeMacro());
+  return attributes;
+}
+
+std::optional<std::size_t> StudySession::findGroupOf(bool isInput, const StudyGroup &declared) const {
+  for (std::size_t index = 0; index < groupCount(isInput); ++index) {
+    if (attributesOf(isInput, index) == declared.attributes) {
+      return index;
     }
-    if (attributes != expected.attributes) {
-      return "number " + std::to_string(index + 1) + " is \"" + group.getDisplayName() +
-             "\", in the study file \"" + expected.title() + "\"";
+  }
+  return std::nullopt;
+}
+
+// A group is known by its attributes; one that has others now is another one.
+bool StudySession::removeOldGroups(bool isInput) {
+  const std::vector<StudyGroup> &declared = isInput ? m_study.inputs : m_study.outputs;
+  bool isChanged = false;
+  for (std::size_t index = groupCount(isInput); index-- > 0;) {
+    const std::vector<std::string> attributes = attributesOf(isInput, index);
+    const bool isDeclared =
+        std::any_of(declared.begin(), declared.end(),
+                    [&attributes](const StudyGroup &group) { return group.attributes == attributes; });
+    if (isDeclared) {
+      continue;
     }
-    if (group.getName() != expected.name) {
-      group.setName(expected.name);
+    const std::string title = groupTitle(*this, {isInput, index});
+    if (isInput) {
+      takeBaselineValue(*this, index);
     }
+    data().removeGroup(isInput, static_cast<int>(index));
+    m_changes.push_back(std::string("the ") + (isInput ? "input \"" : "output \"") + title +
+                        "\" was removed" + (isInput ? ": every row has the baseline's value now" : ""));
+    isChanged = true;
+  }
+  return isChanged;
+}
+
+// Makes the groups those of the study file, in its order.
+std::string StudySession::applyGroups(bool isInput) {
+  const std::vector<StudyGroup> &declared = isInput ? m_study.inputs : m_study.outputs;
+  bool isChanged = removeOldGroups(isInput);
+  for (std::size_t index = 0; index < declared.size(); ++index) {
+    std::optional<std::size_t> found = findGroupOf(isInput, declared[index]);
+    if (!found) {
+      std::string problem = addGroup(isInput, declared[index]);
+      if (!problem.empty()) {
+        return problem;
+      }
+      found = groupCount(isInput) - 1;
+      m_changes.push_back(std::string("the ") + (isInput ? "input \"" : "output \"") +
+                          declared[index].title() + "\" was added");
+      isChanged = true;
+    }
+    if (*found != index) {
+      data().moveGroup(isInput, static_cast<int>(*found), static_cast<int>(index));
+      isChanged = true;
+    }
+    if (groupAt(isInput, index).getName() != declared[index].name) {
+      groupAt(isInput, index).setName(declared[index].name);
+      isChanged = true;
+    }
+  }
+  if (isChanged) {
+    reloadStudy(*this);
   }
   return "";
 }
@@ -90,15 +152,15 @@ std::string StudySession::compareGroups(bool isInput) const {
 // Edits the baseline as a user does, so that the study takes the new values into row 0.
 std::string StudySession::applyBaselineValues() {
   for (const StudyAttribute &declared : m_study.attributes) {
-    const EntityModel::Attribute *attribute = m_attributes->find(declared.fullName());
+    const EntityModel::Attribute *attribute = attributeOf(declared.fullName());
     if (declared.isResult || keyOf(attribute, declared.kind) == keyOf(declared.value, declared.kind)) {
       continue;
     }
     const std::string before = attribute->getValueAsString();
     EmbeddedHost::CommandResult edited;
     tolerateUnpriced([&] {
-      edited = m_commands.edit(m_attributes->findEntity(declared.entity),
-                               EntityModel::AttributePath(declared.name), hostText(declared, declared.value));
+      edited = commands().edit(model().findEntity(declared.entity), EntityModel::AttributePath(declared.name),
+                               hostText(declared, declared.value));
     });
     if (!edited) {
       return declared.fullName() + ": " + edited.problem;
@@ -181,26 +243,16 @@ std::string StudySession::rowKey(std::size_t row) const {
   return joined(parts);
 }
 
-// A row is named by its number, unless some version has that name already.
-std::string StudySession::freeRowName() const {
-  for (std::size_t number = data().getNumVariants();; ++number) {
-    std::string name = "Variant " + std::to_string(number);
-    if (m_project->changeManager().findVersion(name, nullptr) == nullptr) {
-      return name;
-    }
-  }
-}
-
 std::string StudySession::addRow(const StudyRow &row) {
   const std::string name = row.name.empty() ? freeRowName() : row.name;
-  if (m_project->changeManager().findVersion(name, nullptr) != nullptr) {
+  if (project().changeManager().findVersion(name, nullptr) != nullptr) {
     return m_study.path + ":" + std::to_string(row.place.line) + ":" + std::to_string(row.place.column) +
            ": the name \"" + name + "\" belongs to another version of the project";
   }
   if (data().addVariant(rowTexts(row), name, UINT64_MAX) == 0) {
     return "the row \"" + name + "\" could not be added";
   }
-  m_states.emplace_back();
+  rowWasAdded();
   return "";
 }
 
@@ -208,7 +260,7 @@ std::string StudySession::addRow(const StudyRow &row) {
 std::string StudySession::applyRows() {
   std::unordered_map<std::string, std::size_t> byKey;
   for (std::size_t row = 0; row < rowCount(); ++row) {
-    m_states[row].isInStudyFile = row == 0;
+    markInStudyFile(row, row == 0);
     byKey.emplace(rowKey(row), row);
   }
   std::size_t added = 0;
@@ -231,7 +283,7 @@ std::string StudySession::applyRows() {
       return m_study.path + ":" + std::to_string(row.place.line) + ":" + std::to_string(row.place.column) +
              ": the name \"" + row.name + "\" is the baseline's";
     }
-    m_states[*found].isInStudyFile = true;
+    markInStudyFile(*found, true);
     if (rowKey(*found) != rowKey(row)) {
       tolerateUnpriced([&] { data().setVariantValues(row.name, rowTexts(row)); });
       if (rowKey(*found) != rowKey(row)) {

@@ -1,15 +1,14 @@
 #include "Workbench/src/VersionRun.h"
 
-#include "EmbeddedHost/RunFiles.h"
 #include "EmbeddedHost/SolverNumber.h"
 #include "EmbeddedHost/SystemReason.h"
 #include "Workbench/UnitSystem.h"
+#include "Workbench/src/RunFolder.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <utility>
 
 namespace Workbench {
 
@@ -19,40 +18,44 @@ namespace fs = std::filesystem;
 using EmbeddedHost::RunStatus;
 using EmbeddedHost::SolverEnd;
 
-// A run is made in the first folder and moved to the second when it has ended, so that the second never holds half of
-// a run.
-constexpr const char *kFinished = "run";
-constexpr const char *kOutputLog = "stdout.log";
-constexpr const char *kErrorLog = "stderr.log";
-constexpr std::size_t kLogTail = 2000;
-constexpr std::size_t kLargestLog = std::size_t{64} * 1024 * 1024;
-
 std::string seconds(std::chrono::milliseconds time) {
   return EmbeddedHost::writeSolverNumber(static_cast<double>(time.count()) / 1000.0) + " s";
 }
 
-// The end of a text, from the beginning of a line where possible and never from the middle of a character.
-std::string tailOf(const std::string &text) {
-  if (text.size() <= kLogTail) {
-    return text;
+// The commands of all stages, for people.
+std::vector<std::string> joined(const std::vector<std::vector<std::string>> &commands) {
+  std::vector<std::string> all;
+  for (const std::vector<std::string> &command : commands) {
+    if (!all.empty()) {
+      all.emplace_back("&&");
+    }
+    all.insert(all.end(), command.begin(), command.end());
   }
-  std::size_t begin = text.size() - kLogTail;
-  const std::size_t line = text.find('\n', begin);
-  begin = line == std::string::npos || line + 1 == text.size() ? begin : line + 1;
-  while (begin < text.size() && (static_cast<unsigned char>(text[begin]) & 0xC0U) == 0x80U) {
-    ++begin;
-  }
-  return text.substr(begin);
+  return all;
+}
+
+// Whether a record tells all that the results depend on: of the stages it knows the last one's exit code and the time
+// of all.
+bool knowsStages(const StudySolver &solver) {
+  return std::none_of(solver.extractors.begin(), solver.extractors.end(),
+                      [&](const StudyExtractor &extractor) {
+                        const bool isLast = extractor.stage && *extractor.stage + 1 == solver.stages.size();
+                        const bool isOnly = solver.stages.size() == 1 || !extractor.stage;
+                        return (extractor.source == ResultSource::ExitCode && !isLast) ||
+                               (extractor.source == ResultSource::WallTime && !isOnly);
+                      });
 }
 
 } // namespace
 
-VersionRun::VersionRun(const StudySession &session, const UnitSystem &units, std::size_t row,
+VersionRun::VersionRun(const ProjectSession &session, const StudyFile &study, const UnitSystem &units,
+                       const StudyExpressions &expressions, std::size_t row,
                        EntityModel::ModelVersion &version)
-    : m_session(session), m_units(units), m_row(row), m_version(version) {
-  for (const StudyExtractor &extractor : session.study().solver.extractors) {
-    const StudyAttribute &attribute = *session.study().findAttribute(extractor.attribute);
-    m_results.push_back({session.attributes().findEntity(attribute.entity),
+    : m_session(session), m_study(study), m_units(units), m_expressions(expressions), m_row(row),
+      m_version(version) {
+  for (const std::string &name : resultNames(study)) {
+    const StudyAttribute &attribute = *study.findAttribute(name);
+    m_results.push_back({session.model().findEntity(attribute.entity),
                          EntityModel::AttributePath(attribute.name), std::nullopt});
   }
 }
@@ -65,64 +68,111 @@ void VersionRun::fail(const std::string &reason) {
   }
 }
 
-std::string VersionRun::makeFolder(const std::vector<RunFile> &files) {
+std::string VersionRun::folder(const char *name) const {
   const std::string parent = m_session.project().versionFolder(m_version, true);
-  if (parent.empty()) {
-    return "the version's folder beside " + m_session.project().file() + " cannot be made";
-  }
-  m_folder = parent + "/" + EmbeddedHost::kUnfinishedRunFolder;
-  std::error_code error;
-  fs::remove_all(m_folder, error); // removes a link itself, never what it points to
-  if (error || !fs::create_directory(m_folder, error) || error) {
-    return m_folder + ": " + EmbeddedHost::systemReason(error.value());
-  }
-  for (const RunFile &file : files) {
-    std::string problem;
-    const std::string target = m_folder + "/" + file.name;
-    const bool written = file.copyOf.empty() ? EmbeddedHost::writeNewFile(target, file.content, problem)
-                                             : EmbeddedHost::copyToNewFile(file.copyOf, target, problem);
-    if (!written) {
-      return problem;
-    }
-  }
-  return "";
+  return parent.empty() ? "" : parent + "/" + name;
 }
 
-void VersionRun::prepare(const std::vector<RunFile> &files, const std::vector<std::string> &keys) {
-  m_record.keys = keys;
-  m_record.command = m_session.study().solver.command;
+AttributeValues VersionRun::inputs() const {
+  return [this](const std::string &name) {
+    const auto known = m_plan.values.find(name);
+    return known == m_plan.values.end() ? std::nullopt : std::optional<double>(known->second);
+  };
+}
+
+void VersionRun::begin(RunPlan plan) {
+  m_plan = std::move(plan);
+  m_record.keys = m_plan.keys.texts();
+  m_record.command = joined(m_plan.contents.commands);
   m_record.startedAt = static_cast<std::int64_t>(std::time(nullptr));
   m_record.status = RunStatus::Running;
-  const std::string problem = makeFolder(files);
+}
+
+void VersionRun::prepare(RunPlan plan) {
+  begin(std::move(plan));
+  m_folder = folder(EmbeddedHost::kUnfinishedRunFolder);
+  const std::string problem =
+      m_folder.empty() ? "the version's folder beside " + m_session.project().file() + " cannot be made"
+                       : makeRunFolder(m_folder, m_plan.contents.files);
   if (!problem.empty()) {
     fail("start: " + problem);
   }
 }
 
-void VersionRun::start(const std::string &program) {
-  const StudySolver &solver = m_session.study().solver;
-  EmbeddedHost::SolverCommand command;
-  command.program = program;
-  command.arguments = solver.command;
-  command.workingFolder = m_folder;
-  command.outputFile = m_folder + "/" + kOutputLog;
-  command.errorFile = m_folder + "/" + kErrorLog;
-  command.environment = solver.environment;
-  command.timeLimit = solver.timeLimit;
-  m_process = std::make_unique<EmbeddedHost::SolverProcess>(std::move(command));
-  if (!m_process->start()) {
-    fail("start: " + m_process->outcome().problem);
+void VersionRun::compute(RunPlan plan) {
+  begin(std::move(plan));
+  finish(read({}));
+}
+
+bool VersionRun::extractAgain(RunPlan plan, const EmbeddedHost::RunRecord &record) {
+  const std::string kept = m_session.project().versionFolder(m_version, false);
+  std::error_code error;
+  const std::vector<std::string> files = resultFiles(solver());
+  const bool isAllThere =
+      !kept.empty() && std::all_of(files.begin(), files.end(), [&](const std::string &file) {
+        return fs::exists(fs::path(kept) / kFinishedRunFolder / file, error);
+      });
+  if (!isAllThere || !record.exitCode || !knowsStages(solver())) {
+    return false;
+  }
+  EndedRun run{kept + "/" + kFinishedRunFolder, std::vector<StageEnd>(solver().stages.size())};
+  run.stages.back() = {*record.exitCode, record.durationSeconds, false};
+  m_plan = std::move(plan);
+  m_record = record;
+  m_record.keys = m_plan.keys.texts();
+  m_record.reason.clear();
+  finish(read(run));
+  return true;
+}
+
+void VersionRun::start(const SolverPrograms &programs, EmbeddedHost::SolverSupervisors &supervisors) {
+  m_programs = &programs;
+  m_supervisors = &supervisors;
+  const std::string problem = startStage();
+  if (!problem.empty()) {
+    fail(problem);
   }
 }
 
+// Starts the stage behind those that have ended. "" or why it could not be started.
+std::string VersionRun::startStage() {
+  const std::size_t index = m_ended.size();
+  const StudyStage &stage = solver().stages[index];
+  EmbeddedHost::SolverCommand command;
+  command.program = m_programs->files()[index];
+  command.arguments = m_plan.contents.commands[index];
+  command.workingFolder = m_folder;
+  command.outputFile = m_folder + "/" + stage.outputLog();
+  command.errorFile = m_folder + "/" + stage.errorLog();
+  command.environment = solver().environment;
+  command.timeLimit = stage.timeLimit;
+  command.outputLimit = solver().outputLimit;
+  m_process = std::make_unique<EmbeddedHost::SolverProcess>(std::move(command), *m_supervisors);
+  return m_process->start() ? "" : problemOfStage();
+}
+
 bool VersionRun::poll() {
-  if (m_record.status != RunStatus::Running) {
-    return true;
+  while (m_record.status == RunStatus::Running) {
+    if (!m_process->poll()) {
+      return false;
+    }
+    const EmbeddedHost::SolverOutcome &outcome = m_process->outcome();
+    std::string problem = problemOfStage();
+    m_ended.push_back(
+        {outcome.exitCode, static_cast<double>(outcome.wallTime.count()) / 1000.0, outcome.outputTruncated});
+    if (outcome.end == SolverEnd::Exited) {
+      m_record.exitCode = outcome.exitCode;
+    } else {
+      m_record.exitCode.reset();
+    }
+    if (problem.empty() && m_ended.size() < solver().stages.size()) {
+      problem = startStage();
+      if (problem.empty()) {
+        continue;
+      }
+    }
+    finishAttempt(std::move(problem));
   }
-  if (!m_process->poll()) {
-    return false;
-  }
-  finish();
   return true;
 }
 
@@ -135,100 +185,90 @@ void VersionRun::cancel() {
   }
 }
 
-std::string VersionRun::problemOfOutcome() const {
+// Why the stage that has just ended fails the run, and which it is where there are several; "" when it does not.
+std::string VersionRun::problemOfStage() const {
   const EmbeddedHost::SolverOutcome &outcome = m_process->outcome();
-  const StudySolver &solver = m_session.study().solver;
+  const StudyStage &stage = solver().stages[std::min(m_ended.size(), solver().stages.size() - 1)];
+  const std::string where = stage.name.empty() ? "" : " in \"" + stage.name + "\"";
   switch (outcome.end) {
   case SolverEnd::TimedOut:
-    return "time limit: ended after " + seconds(solver.timeLimit);
+    return "time limit: ended after " + seconds(stage.timeLimit) + where;
   case SolverEnd::Signalled:
     return "signal: " + std::to_string(outcome.signal) + " (" + EmbeddedHost::signalReason(outcome.signal) +
-           ")";
+           ")" + where;
   case SolverEnd::Stopped:
-    return outcome.problem.empty() ? "cancelled" : "output: " + outcome.problem;
+    return (outcome.problem.empty() ? "cancelled" : "output: " + outcome.problem) + where;
   case SolverEnd::NotStarted:
-    return "start: " + outcome.problem;
+    return "start: " + outcome.problem + where;
+  case SolverEnd::Lost:
+    return "lost: " + outcome.problem + where;
   default:
     break;
   }
   if (!outcome.problem.empty()) {
-    return "output: " + outcome.problem;
+    return "output: " + outcome.problem + where;
   }
   const bool isAccepted =
-      std::find(solver.exitCodes.begin(), solver.exitCodes.end(), outcome.exitCode) != solver.exitCodes.end();
-  return isAccepted ? "" : "exit code: " + std::to_string(outcome.exitCode);
+      std::find(stage.exitCodes.begin(), stage.exitCodes.end(), outcome.exitCode) != stage.exitCodes.end();
+  return isAccepted ? "" : "exit code: " + std::to_string(outcome.exitCode) + where;
 }
 
-void VersionRun::finish() {
-  const EmbeddedHost::SolverOutcome &outcome = m_process->outcome();
-  m_record.durationSeconds = static_cast<double>(outcome.wallTime.count()) / 1000.0;
-  if (outcome.end == SolverEnd::Exited) {
-    m_record.exitCode = outcome.exitCode;
+std::string VersionRun::read(const EndedRun &run) {
+  std::vector<double> values;
+  std::string problem = readResults(m_study, m_units, m_expressions, run, inputs(), values);
+  for (std::size_t index = 0; problem.empty() && index < values.size(); ++index) {
+    m_results[index].value = values[index];
   }
-  m_record.logTail = logTail();
-  std::string problem = problemOfOutcome();
+  return problem;
+}
+
+// Begins the run anew when its failure is one that may pass.
+bool VersionRun::tryAgain(const std::string &problem) {
+  const std::optional<FailureReason> reason = failureReason(problem);
+  const std::size_t which = static_cast<std::size_t>(reason.value_or(FailureReason::ExitCode));
+  if (!reason || m_retries.at(which) >= solver().retries.at(which)) {
+    return false;
+  }
+  ++m_retries.at(which);
+  ++m_attempts;
+  m_ended.clear();
+  m_process.reset();
+  std::string again = makeRunFolder(m_folder, m_plan.contents.files);
+  again = again.empty() ? startStage() : "start: " + again;
+  if (!again.empty()) {
+    fail(again);
+  }
+  return true;
+}
+
+void VersionRun::finishAttempt(std::string problem) {
+  m_record.durationSeconds = 0.0;
+  for (const StageEnd &stage : m_ended) {
+    m_record.durationSeconds += stage.seconds;
+  }
   if (problem.empty()) {
-    problem = extract();
+    problem = read({m_folder, m_ended});
   }
-  const std::string keepProblem = keepFolder();
+  if (!problem.empty() && tryAgain(problem)) {
+    return;
+  }
+  m_record.logTail = logTails(m_folder, solver());
+  const std::string keepProblem = keepRunFolder(m_folder, solver(), problem.empty());
   if (problem.empty() && !keepProblem.empty()) {
     problem = "output: " + keepProblem;
   }
+  if (!problem.empty() && m_attempts > 1) {
+    problem += " (" + std::to_string(m_attempts) + " attempts)";
+  }
+  finish(problem);
+}
+
+void VersionRun::finish(const std::string &problem) {
   if (problem.empty()) {
     m_record.status = RunStatus::Ok;
   } else {
     fail(problem);
   }
-}
-
-std::string VersionRun::extract() {
-  const StudyFile &study = m_session.study();
-  for (std::size_t index = 0; index < study.solver.extractors.size(); ++index) {
-    const StudyExtractor &extractor = study.solver.extractors[index];
-    const StudyAttribute &attribute = *study.findAttribute(extractor.attribute);
-    const std::string file = extractor.source == ResultSource::File             ? extractor.file
-                             : extractor.source == ResultSource::StandardOutput ? kOutputLog
-                                                                                : kErrorLog;
-    if (extractor.source != ResultSource::File && m_process->outcome().outputTruncated) {
-      return "output too large: " + file + " is not complete";
-    }
-    const EmbeddedHost::ExtractedResult found =
-        extractor.extractor.extractFromFile(m_folder + "/" + file, file);
-    if (!found.value) {
-      const bool isNoNumber = found.failure == EmbeddedHost::ExtractionFailure::NotANumber;
-      return (isNoNumber ? "not a number: " : "extraction: ") + extractor.attribute + ": " + found.reason;
-    }
-    const std::optional<double> value = m_units.convert(*found.value, extractor.unit, attribute.unit);
-    if (!value || (attribute.kind == AttributeKind::Integer && *value != std::trunc(*value))) {
-      return "not a number: " + extractor.attribute + ": " + EmbeddedHost::writeSolverNumber(*found.value) +
-             (value ? " is no whole number" : " cannot be converted to the declared unit");
-    }
-    m_results[index].value = value;
-  }
-  return "";
-}
-
-std::string VersionRun::logTail() const {
-  std::string tail;
-  for (const char *log : {kOutputLog, kErrorLog}) {
-    std::string problem;
-    const std::optional<std::string> text =
-        EmbeddedHost::readWholeFile(m_folder + "/" + log, kLargestLog, problem);
-    if (text && !text->empty()) {
-      tail += std::string(log) + ":\n" + tailOf(*text);
-    }
-  }
-  return tail;
-}
-
-std::string VersionRun::keepFolder() {
-  const fs::path finished = fs::path(m_folder).parent_path() / kFinished;
-  std::error_code error;
-  fs::remove_all(finished, error);
-  if (!error) {
-    fs::rename(m_folder, finished, error);
-  }
-  return error ? finished.string() + ": " + EmbeddedHost::systemReason(error.value()) : "";
 }
 
 } // namespace Workbench

@@ -60,9 +60,13 @@ std::string BoxStudy::read(const std::string &name) const {
 }
 
 void BoxStudy::writeSolver(const std::string &commands) const {
-  write("solve.sh", "#!/bin/sh\nread x y < in.txt\n" + commands +
-                        "\necho \"sum = $((x + y))\" > result.txt\necho \"product = $((x * y))\"\n");
-  fs::permissions(m_folder / "solve.sh", fs::perms::owner_all);
+  writeProgram("solve.sh", "read x y < in.txt\n" + commands +
+                               "\necho \"sum = $((x + y))\" > result.txt\necho \"product = $((x * y))\"\n");
+}
+
+void BoxStudy::writeProgram(const std::string &name, const std::string &commands) const {
+  write(name, "#!/bin/sh\n" + commands);
+  fs::permissions(m_folder / name, fs::perms::owner_all);
 }
 
 void BoxStudy::edit(const std::string &from, const std::string &to) {
@@ -108,7 +112,9 @@ OpenBox open(const BoxStudy &box) {
   static const HostUnits units;
   OpenBox open;
   open.study = box.study();
-  open.session = StudySession::open(*open.study, box.projectFile(), open.problem);
+  OpenFailure failure;
+  open.session = StudySession::open(*open.study, box.projectFile(), Keeping::Changes, failure);
+  open.problem = failure.problem;
   if (!open.session) {
     return open;
   }
@@ -117,14 +123,19 @@ OpenBox open(const BoxStudy &box) {
   std::optional<RunInputs> inputs = RunInputs::load(*open.study, units, notes, problems);
   EXPECT_TRUE(inputs.has_value());
   open.inputs = std::make_unique<RunInputs>(std::move(*inputs));
-  open.runner = std::make_unique<SolveRunner>(*open.session, *open.inputs, units, box.file("solve.sh"));
+  std::optional<SolverPrograms> programs = SolverPrograms::find(*open.study, "/usr/bin:/bin", problems);
+  EXPECT_TRUE(programs.has_value());
+  EXPECT_EQ(programs->askVersions(*open.study, "/usr/bin:/bin"), "");
+  open.programs = std::make_unique<SolverPrograms>(std::move(*programs));
+  open.runner =
+      std::make_unique<SolveRunner>(*open.session, *open.study, *open.inputs, units, *open.programs);
   return open;
 }
 
 SolveReport solve(OpenBox &open, TestObserver &observer) {
   open.runner->assess();
   open.session->clearUnreliableCosts();
-  SolveReport report = open.runner->solve(1, observer);
+  SolveReport report = open.runner->solve({1, true}, observer);
   EXPECT_EQ(open.session->updateAndPrice(), "");
   EXPECT_EQ(open.session->save(), "");
   return report;

@@ -27,6 +27,7 @@ public:
 
   // `commands` run before the results are written, with $x and $y as the inputs.
   void writeSolver(const std::string &commands) const;
+  void writeProgram(const std::string &name, const std::string &commands) const;
   // Replaces a part of the study file, which must be there.
   void edit(const std::string &from, const std::string &to);
 
@@ -63,6 +64,7 @@ struct OpenBox {
   std::unique_ptr<StudyFile> study;
   std::unique_ptr<StudySession> session;
   std::unique_ptr<RunInputs> inputs;
+  std::unique_ptr<SolverPrograms> programs;
   std::unique_ptr<SolveRunner> runner;
   std::string problem;
 };

@@ -22,7 +22,8 @@ RowState failed() {
 
 TEST(ProgressPrinterTest, File_GetsOneLineForEachRow) {
   std::ostringstream stream;
-  ProgressPrinter printer(stream, false, {});
+  const Console console{stream, stream};
+  ProgressPrinter printer(console);
   printer.begun(2, 1);
   printer.finished("Base", ok(), 0.25);
   printer.finished("V", failed(), 1.0);
@@ -34,7 +35,8 @@ TEST(ProgressPrinterTest, File_GetsOneLineForEachRow) {
 
 TEST(ProgressPrinterTest, Terminal_GetsABarAndALineForEachFailure) {
   std::ostringstream stream;
-  ProgressPrinter printer(stream, true, {});
+  const Console console{stream, stream, true};
+  ProgressPrinter printer(console);
   printer.begun(2, 0);
   printer.finished("Base", ok(), 0.25);
   printer.finished("V", failed(), 1.0);
@@ -54,10 +56,24 @@ TEST(ProgressPrinterTest, Terminal_GetsABarAndALineForEachFailure) {
                               full + "] 2/2, 1 failed\n");
 }
 
-TEST(ProgressPrinterTest, Interruptions_AreThoseOfTheFunction) {
+TEST(ProgressPrinterTest, Quiet_SaysNothing) {
   std::ostringstream stream;
-  EXPECT_EQ(ProgressPrinter(stream, false, {}).interruptions(), 0);
-  EXPECT_EQ(ProgressPrinter(stream, false, [] { return 2; }).interruptions(), 2);
+  const Console console{stream, stream, true, true};
+  ProgressPrinter printer(console);
+  printer.begun(1, 0);
+  printer.finished("V", failed(), 1.0);
+  printer.ended();
+  EXPECT_EQ(stream.str(), "");
+}
+
+TEST(ProgressPrinterTest, Interruptions_AreThoseOfTheConsole) {
+  std::ostringstream stream;
+  const Console never{stream, stream};
+  EXPECT_EQ(ProgressPrinter(never).interruptions(), 0);
+  const Console twice{stream, stream, false, false, false, [] {
+                        return 2;
+                      }};
+  EXPECT_EQ(ProgressPrinter(twice).interruptions(), 2);
 }
 
 } // namespace

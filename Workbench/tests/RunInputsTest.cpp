@@ -1,5 +1,6 @@
 #include "Workbench/RunInputs.h"
 
+#include "Workbench/ModelDeclaration.h"
 #include "Workbench/tests/BoxStudy.h"
 
 #include <gtest/gtest.h>
@@ -95,7 +96,7 @@ TEST_F(RunInputsTest, Render_EveryKindOfValue_IsWrittenForTheSolver) {
   const OpenBox box = open(m_box);
   ASSERT_TRUE(box.session) << box.problem;
   std::vector<FileProblem> problems;
-  const auto files = box.inputs->render(ModelValues(*box.study, box.session->attributes()), problems);
+  const auto files = box.inputs->render(ModelValues(box.session->model()), problems);
   ASSERT_TRUE(files.has_value());
   EXPECT_EQ((*files)[0].name, "in.txt");
   EXPECT_EQ((*files)[0].content, "1|10|1.0e+04|hello|7|1|two");

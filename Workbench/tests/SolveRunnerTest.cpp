@@ -93,8 +93,8 @@ TEST_F(SolveRunnerTest, Assess_ChangedSolver_MakesRowsStaleWithoutOutputsAndCost
   EXPECT_FALSE(box.session->data().getVariantCost(1).has_value());
   const MatrixTable table = MatrixTable::of(*box.session);
   EXPECT_FALSE(table.rows[1].outputs[0].has_value());
-  EXPECT_FALSE(table.best.has_value());
-  EXPECT_EQ(table.rows[1].status, "stale");
+  EXPECT_FALSE(table.bestNumber.has_value());
+  EXPECT_EQ(statusText(table.rows[1].state), "stale");
 }
 
 TEST_F(SolveRunnerTest, Solve_RowThatFailsNow_LosesTheResultsOfItsLastRun) {
@@ -129,17 +129,17 @@ TEST_F(SolveRunnerTest, Solve_NewRowOfASolvedStudy_NeverShowsTheBaselinesResults
   TestObserver observer;
   observer.m_stopAfter = 0;
   box.runner->assess();
-  const SolveReport report = box.runner->solve(1, observer);
+  const SolveReport report = box.runner->solve({1}, observer);
   EXPECT_TRUE(report.isInterrupted);
   EXPECT_EQ(box.session->updateAndPrice(), "");
   const MatrixTable table = MatrixTable::of(*box.session);
   ASSERT_EQ(table.rows.size(), 4U);
   EXPECT_EQ(table.rows[3].name, "late");
-  EXPECT_EQ(table.rows[3].status, "not run");
+  EXPECT_EQ(statusText(table.rows[3].state), "not run");
   EXPECT_FALSE(table.rows[3].outputs[0].has_value());
   EXPECT_FALSE(table.rows[3].cost.has_value());
   EXPECT_EQ(table.rows[1].outputs[1].value_or(0.0), 20.0);
-  EXPECT_EQ(table.best, std::optional<std::size_t>(2));
+  EXPECT_EQ(table.bestNumber, std::optional<std::size_t>(2));
 }
 
 TEST_F(SolveRunnerTest, Solve_FailedRow_UnsetsTheResultsBeforeItsRun) {
@@ -155,7 +155,7 @@ TEST_F(SolveRunnerTest, Solve_FailedRow_UnsetsTheResultsBeforeItsRun) {
   solve(box);
   EXPECT_FALSE(hasOutput(box, 3, 0));
   ASSERT_TRUE(box.session->commands().switchVersion("late"));
-  EXPECT_FALSE(box.session->attributes().find("Box.sum")->hasValue());
+  EXPECT_FALSE(box.session->model().find("Box.sum")->value->hasValue());
   ASSERT_TRUE(box.session->commands().switchVersion(box.session->baseline()));
 }
 
@@ -172,7 +172,7 @@ TEST_F(SolveRunnerTest, Solve_RowThatIsEndedInTheMiddle_HasLostItsOldResultsAlre
   EXPECT_TRUE(report.isInterrupted);
   EXPECT_EQ(report.failed, 1U);
   EXPECT_EQ(observer.m_finished, Names{"Base: cancelled"});
-  EXPECT_FALSE(box.session->attributes().find("Box.sum")->hasValue()); // the baseline is current
+  EXPECT_FALSE(box.session->model().find("Box.sum")->value->hasValue()); // the baseline is current
   EXPECT_FALSE(hasOutput(box, 0, 0));
   EXPECT_TRUE(hasOutput(box, 1, 0)); // not begun: stale, and so not shown
   EXPECT_FALSE(MatrixTable::of(*box.session).rows[1].outputs[0].has_value());
@@ -192,7 +192,8 @@ TEST_F(SolveRunnerTest, Assess_RunThatWasBegunAndNeverRecorded_IsLostAndSolvedAg
   EXPECT_EQ(box.session->rowState(1).status, RowStatus::Failed);
   EXPECT_EQ(box.session->rowState(1).reason, "lost: the program ended while it ran");
   EXPECT_EQ(box.session->rowState(2).status, RowStatus::Ok);
-  EXPECT_EQ(MatrixTable::of(*box.session).rows[1].status, "failed: lost: the program ended while it ran");
+  EXPECT_EQ(statusText(MatrixTable::of(*box.session).rows[1].state),
+            "failed: lost: the program ended while it ran");
   TestObserver observer;
   solve(box, observer);
   EXPECT_EQ(observer.m_finished, Names{"two"});
@@ -225,6 +226,42 @@ TEST_F(SolveRunnerTest, Solve_WhileItRuns_ARowIsRunning) {
   EXPECT_EQ(seen.back(), EmbeddedHost::RunStatus::Ok);
 }
 
+TEST_F(SolveRunnerTest, Solve_BaselineThatFails_EndsTheSolve) {
+  m_box.writeSolver("if [ $x = 1 ]; then exit 7; fi");
+  OpenBox box = open(m_box);
+  box.runner->assess();
+  TestObserver observer;
+  const SolveReport report = box.runner->solve({2}, observer);
+  EXPECT_EQ(report.givenUp, "the baseline failed: exit code: 7");
+  EXPECT_EQ(report.failed, 1U);
+  EXPECT_EQ(report.solved, 0U);
+  EXPECT_EQ(box.session->rowState(1).status, RowStatus::NotRun);
+}
+
+TEST_F(SolveRunnerTest, Solve_NamedRows_AreSolvedWhateverTheyAre) {
+  OpenBox box = open(m_box);
+  solve(box);
+  TestObserver observer;
+  SolveOptions options;
+  options.rows = {2};
+  const SolveReport report = box.runner->solve(options, observer);
+  EXPECT_EQ(report.solved, 1U);
+  EXPECT_EQ(observer.m_finished, std::vector<std::string>{"Variant 2"});
+}
+
+TEST_F(SolveRunnerTest, Extract_ReadsKeptFilesAgainAndStartsNothing) {
+  OpenBox box = open(m_box);
+  solve(box);
+  m_box.writeSolver("exit 1"); // a run would fail
+  TestObserver observer;
+  SolveOptions options;
+  options.rows = {0, 2};
+  options.onlyExtracts = true;
+  const SolveReport report = box.runner->solve(options, observer);
+  EXPECT_EQ(report.extracted, 2U);
+  EXPECT_EQ(report.failed, 0U);
+}
+
 // Another program that reads the project and does not come to an end.
 class LockedProjectTest : public SolveRunnerTest {
 protected:
@@ -242,7 +279,7 @@ protected:
   // Goes without saving, which would be refused as well.
   SolveReport solveOnly(std::size_t parallel, TestObserver &observer) {
     m_open.runner->assess();
-    return m_open.runner->solve(parallel, observer);
+    return m_open.runner->solve({parallel, true}, observer);
   }
   std::string refusal() const {
     return "The project " + m_box.projectFile() + " could not be saved: another program keeps it locked.";
@@ -271,19 +308,22 @@ TEST_F(LockedProjectTest, RowThatCannotBeBegun_IsNotStarted) {
 }
 
 TEST_F(LockedProjectTest, ResultThatCannotBeRecorded_StopsTheSolve_AndIsSolvedAgainLater) {
+  m_open = OpenBox();
+  m_box.edit("    - {values: {width: 3}}\n", "    - {values: {width: 3}}\n    - {values: {width: 4}}\n");
+  m_open = open(m_box);
   TestObserver observer;
   observer.m_onAsked = [&] {
     if (std::filesystem::exists(m_box.file("started")) && m_reader == nullptr) {
       beginReading();
     }
   };
-  m_box.writeSolver("touch ../../../started; sleep 0.5");
+  m_box.writeSolver("if [ $x != 1 ]; then touch ../../../started; sleep 0.5; fi");
   const SolveReport report = solveOnly(2, observer);
   EXPECT_EQ(report.problem.substr(report.problem.find("cannot")), "cannot be stored: " + refusal());
-  EXPECT_EQ(report.solved, 0U);
-  EXPECT_EQ(observer.m_finished.size(), 2U); // what ran was waited for, and nothing further begun
-  EXPECT_EQ(m_open.session->rowState(0).reason, "not recorded: " + refusal());
-  EXPECT_EQ(m_open.session->rowState(2).status, RowStatus::NotRun);
+  EXPECT_EQ(report.solved, 1U);              // the baseline, before anything was locked
+  EXPECT_EQ(observer.m_finished.size(), 3U); // what ran was waited for, and nothing further begun
+  EXPECT_EQ(m_open.session->rowState(1).reason, "not recorded: " + refusal());
+  EXPECT_EQ(m_open.session->rowState(3).status, RowStatus::NotRun);
   m_reader.reset();
   EXPECT_EQ(solve(m_open).solved, 3U);
 }

@@ -129,25 +129,35 @@ TEST(StudyFileTest, Solver_EveryKey_IsRead) {
   EXPECT_EQ(solver.templates[0].to, "filter.cir");
   ASSERT_EQ(solver.copies.size(), 1U);
   EXPECT_EQ(solver.copies[0].to, "models.lib");
-  EXPECT_EQ(solver.command, (std::vector<std::string>{"ngspice", "-b", "filter.cir"}));
+  ASSERT_EQ(solver.stages.size(), 1U);
+  const StudyStage &stage = solver.stages.front();
+  EXPECT_EQ(stage.name, "");
+  EXPECT_EQ(stage.outputLog(), "stdout.log");
+  EXPECT_EQ(stage.errorLog(), "stderr.log");
+  ASSERT_EQ(stage.command.size(), 3U);
+  EXPECT_EQ(stage.program(), "ngspice");
+  EXPECT_EQ(stage.command[1].text, "-b");
+  EXPECT_EQ(stage.command[2].text, "filter.cir");
+  EXPECT_EQ(stage.place.line, 18U);
+  EXPECT_EQ(stage.place.column, 12U);
   EXPECT_EQ(solver.environment, (std::map<std::string, std::string>{{"SPICE_ASCIIRAWFILE", "1"}}));
-  EXPECT_EQ(solver.timeLimit, std::chrono::milliseconds(500));
-  EXPECT_EQ(solver.exitCodes, (std::vector<int>{0, 3}));
+  EXPECT_EQ(stage.timeLimit, std::chrono::milliseconds(500));
+  EXPECT_EQ(stage.exitCodes, (std::vector<int>{0, 3}));
   ASSERT_EQ(solver.extractors.size(), 2U);
   EXPECT_EQ(solver.extractors[0].attribute, "Filter.CutOff");
   EXPECT_EQ(solver.extractors[0].source, ResultSource::StandardOutput);
   EXPECT_EQ(solver.extractors[0].unit, "Hz");
-  EXPECT_EQ(solver.extractors[0].extractor.extract("fc = 5\n", "log").value.value_or(0.0), 5.0);
+  EXPECT_EQ(solver.extractors[0].extractor->extract("fc = 5\n", "log").value.value_or(0.0), 5.0);
   EXPECT_EQ(solver.extractors[1].source, ResultSource::File);
   EXPECT_EQ(solver.extractors[1].file, "result.txt");
-  EXPECT_EQ(solver.extractors[1].extractor.extract("x7\n", "file").value.value_or(0.0), 7.0);
+  EXPECT_EQ(solver.extractors[1].extractor->extract("x7\n", "file").value.value_or(0.0), 7.0);
 }
 
 TEST(StudyFileTest, Solver_WithoutTheOptionalKeys_HasTheDefaults) {
   const StudyFile file = parsed(
       replaced("  environment: {SPICE_ASCIIRAWFILE: 1}\n  timeout: 500 ms\n  exit-codes: [0, 3]\n", ""));
-  EXPECT_EQ(file.solver.timeLimit, std::chrono::minutes(10));
-  EXPECT_EQ(file.solver.exitCodes, std::vector<int>{0});
+  EXPECT_EQ(file.solver.stages.front().timeLimit, std::chrono::minutes(10));
+  EXPECT_EQ(file.solver.stages.front().exitCodes, std::vector<int>{0});
   EXPECT_TRUE(file.solver.environment.empty());
 }
 
@@ -311,8 +321,9 @@ TEST(StudyFileTest, Mistakes_AreReportedWithTheirPlace) {
        "dir/s.yaml:18:12: the command is a list of arguments, [program, argument, ...]; no shell takes "
        "it apart\n"},
       {"[ngspice, -b, filter.cir]", "[]", "dir/s.yaml:18:12: the command must begin with a program\n"},
-      {"[ngspice, -b, filter.cir]", "[ngspice, \"{{Filter.R1}}\"]",
-       "dir/s.yaml:18:22: placeholders are filled in templates only, not in the command\n"},
+      {"[ngspice, -b, filter.cir]", "[ngspice, \"-r={{Filter.R1}}\"]",
+       "dir/s.yaml:18:26: a placeholder fills a whole argument: let it stand alone, or fill it into a "
+       "template\n"},
       {"timeout: 500 ms", "timeout: soon",
        "dir/s.yaml:20:12: timeout must be a time such as 30 s, 500 ms, 10 min or 2 h, not \"soon\"\n"},
       {"timeout: 500 ms", "timeout: 0",
@@ -407,7 +418,7 @@ TEST(StudyFileTest, Grid_Mistakes_AreReported) {
       {"    grid: {Filter.C1: {minimum: 1, maximum: 2, step: 1e-9}}\n",
        "dir/s.yaml:34:23: an axis of more than 100000 values is not allowed\n"},
       {"    grid: {R: {step: 0.05}, Filter.C1: {minimum: 1, maximum: 100, step: 0.1}}\n",
-       "dir/s.yaml:34:11: the grid has more than 100000 rows\n"},
+       "dir/s.yaml:34:11: the grid has 417211 rows, more than 100000\n"},
       {"    grid: {Filter.C1: {minimum: 90, maximum: 110, step: 10}}\n",
        "dir/s.yaml:34:23: \"110 nF\" is above the maximum of \"Filter.C1\", 100 nF\n"},
       {"    gird: {R: [1]}\n", "dir/s.yaml:34:5: variants has no key \"gird\", did you mean \"grid\"?\n"}};

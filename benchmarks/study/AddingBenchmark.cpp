@@ -57,6 +57,7 @@ void measureAdding(const Setting &setting, BarList &bars) {
       }
     }
     std::vector<double> result;
+    result.reserve(of.size());
     for (std::vector<double> &block : of) {
       result.push_back(median(std::move(block)));
     }

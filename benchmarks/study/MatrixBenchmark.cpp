@@ -160,6 +160,7 @@ void measureMatrix(const Setting &setting, BarList &bars) {
   counts.push_back(setting.mostRows);
   const StudyProject study;
   std::vector<Times> all;
+  all.reserve(counts.size());
   for (const std::size_t rows : counts) {
     all.push_back(measureOf(study, rows, setting));
   }

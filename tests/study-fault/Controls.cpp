@@ -12,7 +12,6 @@
 
 namespace StudyFaults {
 
-using OptimizationTool::OptimizationData;
 using OptimizationTool::OptimizationDataSolvingGuard;
 
 namespace {

@@ -1,40 +1,39 @@
 #include "EmbeddedHost/SolverProcess.h"
 
+#include "EmbeddedHost/SolverSupervisors.h"
 #include "EmbeddedHost/SystemReason.h"
 #include "EmbeddedHost/src/solve/CappedStream.h"
-#include "EmbeddedHost/src/solve/SpawnSolver.h"
+#include "EmbeddedHost/src/solve/SolverRequest.h"
+#include "EmbeddedHost/src/solve/Supervisor.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <poll.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
-#include <unistd.h>
 #include <utility>
 
 namespace EmbeddedHost {
+
+using namespace Supervision;
 
 namespace {
 
 // How much one poll() keeps, so that a solver that floods its output cannot hold up the others.
 constexpr std::size_t kMostPerPoll = std::size_t{1024} * 1024;
-// Without a descriptor to wait on for the end of a process, it is looked for this often.
-constexpr std::chrono::milliseconds kBlindInterval{5};
+// A program on a slow medium takes its time to start; a supervisor that somebody has suspended never answers.
+constexpr std::chrono::milliseconds kLongestStart{60000};
 
 } // namespace
 
-SolverProcess::SolverProcess(SolverCommand command) : m_command(std::move(command)) {}
+SolverProcess::SolverProcess(SolverCommand command)
+    : m_command(std::move(command)), m_ownSupervisors(std::make_unique<SolverSupervisors>()),
+      m_supervisors(*m_ownSupervisors) {}
 
+SolverProcess::SolverProcess(SolverCommand command, SolverSupervisors &supervisors)
+    : m_command(std::move(command)), m_supervisors(supervisors) {}
+
+// The supervisor goes first, and with it whatever runs.
 SolverProcess::~SolverProcess() {
-  if (isRunning()) {
-    signalGroup(SIGKILL);
-    while (::waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
-    }
-  }
-  if (m_pidDescriptor >= 0) {
-    ::close(m_pidDescriptor);
-  }
+  m_supervisor.reset();
 }
 
 bool SolverProcess::failToStart(std::string problem) {
@@ -42,28 +41,53 @@ bool SolverProcess::failToStart(std::string problem) {
   m_outcome.problem = std::move(problem);
   m_output.reset();
   m_error.reset();
+  m_supervisor.reset();
   return false;
 }
 
 bool SolverProcess::start() {
+  std::string problem;
+  const FileDescriptor request = makeSolverRequest(m_command, problem);
+  if (!request.isOpen()) {
+    return failToStart(problem);
+  }
   m_output = std::make_unique<CappedStream>(m_command.outputLimit);
   m_error = std::make_unique<CappedStream>(m_command.outputLimit);
-  std::string problem;
   if (!m_output->open(m_command.outputFile, problem) || !m_error->open(m_command.errorFile, problem)) {
     return failToStart(problem);
   }
   m_started = Clock::now();
-  const int error = spawnSolver(m_command, m_output->writingEnd(), m_error->writingEnd(), m_pid);
+  const bool isRunning = runRequest(request.get(), problem);
   m_output->closeWritingEnd();
   m_error->closeWritingEnd();
-  if (error != 0) {
-    m_pid = 0;
-    return failToStart(m_command.program + ": " + systemReason(error));
+  return isRunning ? true : failToStart(problem);
+}
+
+bool SolverProcess::runRequest(int request, std::string &problem) {
+  ReportMessage report = {};
+  Supervisor::Answer answer = Supervisor::Answer::NeverRead;
+  // An idle supervisor may have been ended a moment ago; a new one that never reads is none.
+  for (int attempt = 0; attempt < 2 && answer == Supervisor::Answer::NeverRead; ++attempt) {
+    m_supervisor = m_supervisors.take(problem);
+    if (!m_supervisor) {
+      return false;
+    }
+    if (m_supervisor->order(Order::Start, {request, m_output->writingEnd(), m_error->writingEnd()})) {
+      answer = m_supervisor->next(report, kLongestStart);
+    }
   }
-#ifdef SYS_pidfd_open
-  m_pidDescriptor = static_cast<int>(::syscall(SYS_pidfd_open, m_pid, 0));
-#endif
-  return true;
+  if (answer != Supervisor::Answer::Report) {
+    problem =
+        "the solver's supervisor " +
+        (answer == Supervisor::Answer::None ? std::string("does not answer") : m_supervisor->howItEnded());
+    return false;
+  }
+  if (report.report == Report::Started) {
+    return true;
+  }
+  problem = m_command.program + ": " + systemReason(static_cast<int>(report.value));
+  m_supervisors.giveBack(std::move(m_supervisor));
+  return false;
 }
 
 bool SolverProcess::poll() {
@@ -71,82 +95,37 @@ bool SolverProcess::poll() {
     return m_outcome.end != SolverEnd::Running;
   }
   keepOutput(kMostPerPoll);
-  siginfo_t info = {};
-  // The process stays a zombie until its group has been swept: its number cannot be given to anybody else
-  // meanwhile.
-  const int waited = ::waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG | WNOWAIT);
-  if (waited == 0 && info.si_pid == 0) {
-    enforceLimits(Clock::now());
+  ReportMessage report = {};
+  switch (m_supervisor->next(report, std::chrono::milliseconds(0))) {
+  case Supervisor::Answer::None:
     return false;
+  case Supervisor::Answer::Lost:
+  case Supervisor::Answer::NeverRead:
+    concludeLost();
+    return true;
+  case Supervisor::Answer::Report:
+    break;
   }
-  reap();
+  conclude(report);
   return true;
 }
 
-void SolverProcess::enforceLimits(Clock::time_point now) {
-  if (m_killAt) {
-    if (now >= *m_killAt) {
-      signalGroup(SIGKILL);
-    }
-    return;
-  }
-  if (m_command.timeLimit.count() > 0 && now - m_started >= m_command.timeLimit) {
-    m_endedByUs = SolverEnd::TimedOut;
-    signalGroup(SIGTERM);
-    m_killAt = now + m_command.graceTime;
-  }
-}
-
 void SolverProcess::stop() {
-  if (isRunning() && !m_killAt) {
-    m_endedByUs = SolverEnd::Stopped;
-    signalGroup(SIGTERM);
-    m_killAt = Clock::now() + m_command.graceTime;
+  if (isRunning()) {
+    m_supervisor->order(Order::Stop);
   }
 }
 
 void SolverProcess::kill() {
   if (isRunning()) {
-    if (m_endedByUs == SolverEnd::Running) {
-      m_endedByUs = SolverEnd::Stopped;
-    }
-    signalGroup(SIGKILL);
-    m_killAt = Clock::now();
+    m_supervisor->order(Order::Kill);
   }
 }
 
-void SolverProcess::signalGroup(int number) const {
-  ::kill(-m_pid, number);
-  if (number == SIGTERM) {
-    ::kill(-m_pid, SIGCONT); // a stopped process would not see the request
-  }
-}
-
-void SolverProcess::reap() {
-  signalGroup(SIGKILL);
-  int status = 0;
-  int reaped = 0;
-  do {
-    reaped = ::waitpid(m_pid, &status, 0);
-  } while (reaped < 0 && errno == EINTR);
-  if (reaped < 0) {
-    // Somebody else took the status: a run whose end nobody saw is not a success.
-    m_outcome.problem = "how the solver ended is not known: " + systemReason(errno);
-  }
-  m_pid = 0;
-  if (m_pidDescriptor >= 0) {
-    ::close(std::exchange(m_pidDescriptor, -1));
-  }
-  m_outcome.wallTime = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_started);
-  keepOutput(m_command.outputLimit + kMostPerPoll);
-  m_outcome.outputTruncated = m_output->isTruncated() || m_error->isTruncated();
-  for (const CappedStream *stream : {m_output.get(), m_error.get()}) {
-    if (m_outcome.problem.empty()) {
-      m_outcome.problem = stream->problem();
-    }
-  }
-  m_output.reset();
-  m_error.reset();
+void SolverProcess::conclude(const ReportMessage &report) {
+  closeStreams();
+  const int status = static_cast<int>(report.value);
+  m_outcome.wallTime = std::chrono::milliseconds(report.milliseconds);
   if (WIFSIGNALED(status)) {
     m_outcome.end = SolverEnd::Signalled;
     m_outcome.signal = WTERMSIG(status);
@@ -154,9 +133,28 @@ void SolverProcess::reap() {
     m_outcome.end = SolverEnd::Exited;
     m_outcome.exitCode = WEXITSTATUS(status);
   }
-  if (m_endedByUs != SolverEnd::Running) {
-    m_outcome.end = m_endedByUs;
+  if (report.endedBy != EndedBy::Itself) {
+    m_outcome.end = report.endedBy == EndedBy::TimeLimit ? SolverEnd::TimedOut : SolverEnd::Stopped;
   }
+  m_supervisors.giveBack(std::move(m_supervisor));
+}
+
+void SolverProcess::concludeLost() {
+  closeStreams();
+  m_outcome.end = SolverEnd::Lost;
+  m_outcome.wallTime = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_started);
+  m_outcome.problem = "the solver's supervisor " + m_supervisor->howItEnded();
+  m_supervisor.reset();
+}
+
+// Whoever could have written is gone.
+void SolverProcess::closeStreams() {
+  m_output->keep(m_command.outputLimit + kMostPerPoll);
+  m_error->keep(m_command.outputLimit + kMostPerPoll);
+  m_outcome.outputTruncated = m_output->isTruncated() || m_error->isTruncated();
+  m_outcome.problem = m_output->problem().empty() ? m_error->problem() : m_output->problem();
+  m_output.reset();
+  m_error.reset();
 }
 
 void SolverProcess::keepOutput(std::size_t most) {
@@ -167,40 +165,20 @@ void SolverProcess::keepOutput(std::size_t most) {
   }
 }
 
-std::optional<SolverProcess::Clock::time_point> SolverProcess::nextDeadline() const {
-  if (m_killAt) {
-    return m_killAt;
-  }
-  if (m_command.timeLimit.count() > 0) {
-    return m_started + m_command.timeLimit;
-  }
-  return std::nullopt;
-}
-
 void SolverProcess::waitForAny(const std::vector<SolverProcess *> &processes,
                                std::chrono::milliseconds longest) {
   std::vector<pollfd> waitedFor;
-  const Clock::time_point now = Clock::now();
-  std::chrono::milliseconds wait = longest;
   for (const SolverProcess *process : processes) {
     if (process == nullptr || !process->isRunning()) {
       continue;
     }
-    for (const int descriptor :
-         {process->m_pidDescriptor, process->m_output->readingEnd(), process->m_error->readingEnd()}) {
+    for (const int descriptor : {process->m_supervisor->descriptor(), process->m_output->readingEnd(),
+                                 process->m_error->readingEnd()}) {
       waitedFor.push_back({descriptor, POLLIN, 0}); // a negative descriptor is ignored
-    }
-    if (process->m_pidDescriptor < 0) {
-      wait = std::min(wait, kBlindInterval);
-    }
-    if (const auto deadline = process->nextDeadline()) {
-      const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - now);
-      // A group that has been sent SIGKILL ends when the kernel gets to it: no use in asking without a pause.
-      wait = std::clamp(left, std::chrono::milliseconds(process->m_killAt ? 1 : 0), wait);
     }
   }
   if (!waitedFor.empty()) {
-    ::poll(waitedFor.data(), waitedFor.size(), static_cast<int>(std::max<long long>(0, wait.count())));
+    ::poll(waitedFor.data(), waitedFor.size(), static_cast<int>(std::max<long long>(0, longest.count())));
   }
 }
 

@@ -148,17 +148,27 @@ std::optional<TemplateFile> TemplateFile::parse(std::string name, std::string_vi
 }
 
 std::optional<std::string> TemplateFile::render(const TemplateValueSource &values,
-                                                std::vector<FileProblem> &problems) const {
+                                                std::vector<FileProblem> &problems,
+                                                std::vector<FileProblem> *warnings) const {
   std::string text = m_literals.front();
   bool complete = true;
   for (std::size_t index = 0; index < m_placeholders.size(); ++index) {
     const TemplatePlaceholder &placeholder = m_placeholders[index];
     std::string problem;
-    const std::optional<std::string> written = writeValue(placeholder, values.value(placeholder), problem);
+    const TemplateValue value = values.value(placeholder);
+    const std::optional<std::string> written = writeValue(placeholder, value, problem);
     if (!written) {
       complete = false;
       problems.push_back({m_name, placeholder.line, placeholder.column, problem});
       continue;
+    }
+    const bool isNumber = std::holds_alternative<double>(value) || std::holds_alternative<long long>(value);
+    if (warnings != nullptr && isNumber && written->size() > kLongestNumber) {
+      warnings->push_back({m_name, placeholder.line, placeholder.column,
+                           placeholder.name() + ": " + *written + " has " + std::to_string(written->size()) +
+                               " characters, and some solvers leave out what follows the first " +
+                               std::to_string(kLongestNumber) + "; give it a format, {{" +
+                               placeholder.name() + " as %.12e}}"});
     }
     text += *written;
     text += m_literals[index + 1];

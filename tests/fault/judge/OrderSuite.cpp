@@ -13,9 +13,7 @@ void judgeRows(const Bench &bench, const std::string &flaw, Report &report) {
   const std::string folder = bench.makeSessionFolder("order-" + flaw);
   const std::string log = folder + ".log";
   std::vector<std::string> command{
-      "strace", "-qq", "-y",
-      "-s",     "40",  "-o",
-      log,      "-e",  "trace=" + writeClassCalls() + ",pwritev2,clone,clone3,?vfork,?fork"};
+      "strace", "-qq", "-y", "-s", "40", "-o", log, "-e", "trace=" + writeClassCalls() + ",pwritev2,sendmsg"};
   for (const std::string &word : bench.sessionCommand("run", folder)) {
     command.push_back(word);
   }

@@ -44,7 +44,7 @@ Act actOf(const std::string &line, const std::string &folder) {
   if (call == "unlink") {
     return {Act::Kind::Removal, below(between(line, '"', '"'), folder)};
   }
-  if (call.rfind("clone", 0) == 0 || call == "vfork" || call == "fork") {
+  if (call == "sendmsg") { // by which a supervisor is told to start a solver
     return {Act::Kind::Start, ""};
   }
   if (call == "pwritev2" && line.find(".acks>") != std::string::npos) {

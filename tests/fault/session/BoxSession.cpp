@@ -55,9 +55,10 @@ BoxSession::BoxSession(const std::string &folder, int rows) : m_folder(folder) {
     throw StepFailed(textOf(problems));
   }
   m_study = std::make_unique<Workbench::StudyFile>(std::move(*study));
-  std::string problem;
-  m_session = Workbench::StudySession::open(*m_study, boxProject(folder), problem);
-  expectDone(m_session == nullptr && problem.empty() ? "no reason" : problem);
+  Workbench::OpenFailure failure;
+  m_session =
+      Workbench::StudySession::open(*m_study, boxProject(folder), Workbench::Keeping::Changes, failure);
+  expectDone(m_session == nullptr && failure.problem.empty() ? "no reason" : failure.problem);
 }
 
 void BoxSession::solve(int most, const std::function<void(const std::string &row)> &solved) {
@@ -68,18 +69,19 @@ void BoxSession::solve(int most, const std::function<void(const std::string &row
   if (!inputs) {
     throw StepFailed(textOf(problems));
   }
-  Workbench::SolveRunner runner(*m_session, *inputs, m_units, m_folder + "/solve.sh");
+  const Workbench::SolverPrograms programs(m_session->study(), {m_folder + "/solve.sh"});
+  Workbench::SolveRunner runner(*m_session, *m_study, *inputs, m_units, programs);
   runner.assess();
   m_session->clearUnreliableCosts();
   Observer observer(most, solved);
-  const Workbench::SolveReport report = runner.solve(1, observer);
+  const Workbench::SolveReport report = runner.solve({1, true}, observer);
   expectDone(report.problem);
   expectDone(observer.problem());
 }
 
 void BoxSession::edit(const std::string &attribute, const std::string &text) {
   expectDone(m_session->commands()
-                 .edit(m_session->attributes().findEntity("Box"), EntityModel::AttributePath(attribute), text)
+                 .edit(m_session->model().findEntity("Box"), EntityModel::AttributePath(attribute), text)
                  .problem);
   save();
 }

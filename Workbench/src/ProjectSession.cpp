@@ -1,0 +1,403 @@
+#include "Workbench/ProjectSession.h"
+
+#include "EmbeddedHost/SolverNumber.h"
+#include "HostModel/ChangeManager.h"
+#include "HostModel/ModelVersion.h"
+#include "OptimizationTool/OptimizationData.h"
+#include "OptimizationTool/OptimizationManager.h"
+
+#include <QCryptographicHash>
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <filesystem>
+#include <unordered_map>
+#include <utility>
+
+namespace Workbench {
+
+namespace {
+
+using EmbeddedHost::RunStatus;
+using OptimizationTool::OptimizationData;
+using OptimizationTool::OptimizationManager;
+
+constexpr const char *kProjectEnding = ".optstudy";
+constexpr const char *kUntitled = "Model";
+
+bool removeEnding(std::string &text, const std::string &ending) {
+  const bool ends =
+      text.size() > ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
+  if (ends) {
+    text.resize(text.size() - ending.size());
+  }
+  return ends;
+}
+
+// Where in a record's keys the one of the inputs is.
+constexpr std::size_t kInputsKey = 2;
+
+RowState stateOf(const EmbeddedHost::RunRecord &record, const std::string &inputsKey, bool isReadOnly) {
+  RowState state;
+  switch (record.status) {
+  case RunStatus::None:
+    break;
+  case RunStatus::Running:
+    // Whoever may write the project is the only one, and has not begun anything.
+    state.status = isReadOnly ? RowStatus::Running : RowStatus::Failed;
+    state.reason = isReadOnly ? "" : EmbeddedHost::kLostRun;
+    break;
+  case RunStatus::Failed:
+    state.status = RowStatus::Failed;
+    state.reason = record.reason;
+    break;
+  case RunStatus::Ok:
+    state.status = record.keys.size() > kInputsKey && record.keys[kInputsKey] != inputsKey ? RowStatus::Stale
+                                                                                           : RowStatus::Ok;
+    break;
+  }
+  return state;
+}
+
+} // namespace
+
+std::string ProjectSession::projectFileOf(const std::string &studyFile) {
+  const std::filesystem::path path(studyFile);
+  std::string name = path.filename().string();
+  for (const char *ending : {".yaml", ".yml", ".json"}) {
+    if (removeEnding(name, ending)) {
+      break;
+    }
+  }
+  removeEnding(name, ".study");
+  return (path.parent_path() / (name + kProjectEnding)).string();
+}
+
+std::string ProjectSession::studyFileOf(const std::string &projectFile) {
+  std::string stem = projectFile;
+  removeEnding(stem, kProjectEnding);
+  constexpr std::array<const char *, 6> kEndings{".study.yaml", ".study.yml", ".study.json",
+                                                 ".yaml",       ".yml",       ".json"};
+  for (const char *ending : kEndings) {
+    std::string candidate = stem + ending;
+    std::error_code ignored;
+    if (std::filesystem::exists(candidate, ignored)) {
+      return candidate;
+    }
+  }
+  return "";
+}
+
+ProjectSession::ProjectSession(std::string fileName, std::unique_ptr<EmbeddedHost::Project> project)
+    : m_fileName(std::move(fileName)), m_project(std::move(project)), m_installation(*m_project),
+      m_commands(*m_project), m_baseline(m_project->rootVersion()) {
+  // The manager follows the host from its first use on: it must be there before anything is announced.
+  OptimizationManager::instance();
+}
+
+ProjectSession::~ProjectSession() {
+  // Refused only while a solver runs, which no longer can.
+  const EmbeddedHost::CommandResult closed = m_commands.close();
+  static_cast<void>(closed);
+}
+
+std::unique_ptr<EmbeddedHost::Project> ProjectSession::openForWriting(const std::string &projectFile,
+                                                                      OpenFailure &failure) {
+  std::unique_ptr<EmbeddedHost::Project> project =
+      EmbeddedHost::Project::open(projectFile, EmbeddedHost::OpenMode::ReadWrite, failure.problem);
+  if (!project) {
+    std::string ignored;
+    failure.isReadable =
+        EmbeddedHost::Project::open(projectFile, EmbeddedHost::OpenMode::ReadOnly, ignored) != nullptr;
+  }
+  return project;
+}
+
+std::unique_ptr<ProjectSession> ProjectSession::open(const std::string &projectFile,
+                                                     EmbeddedHost::OpenMode mode, OpenFailure &failure) {
+  std::unique_ptr<EmbeddedHost::Project> project =
+      mode == EmbeddedHost::OpenMode::ReadWrite
+          ? openForWriting(projectFile, failure)
+          : EmbeddedHost::Project::open(projectFile, mode, failure.problem);
+  if (!project) {
+    return nullptr;
+  }
+  std::unique_ptr<ProjectSession> session(new ProjectSession(projectFile, std::move(project)));
+  try {
+    failure.problem = session->announce();
+    if (failure.problem.empty()) {
+      session->readModel();
+      session->refreshRows();
+      session->assessFromRecords();
+      session->clearUnreliableCosts();
+    }
+  } catch (const std::exception &error) {
+    failure.problem = error.what();
+  }
+  return failure.problem.empty() ? std::move(session) : nullptr;
+}
+
+// A cost that cannot be computed must not keep anybody from looking at the study.
+std::string ProjectSession::announce() {
+  tolerateUnpriced([this] { m_commands.announceOpened(); });
+  makeStudyCurrent();
+  return m_project->currentVersion() == m_baseline ? "" : m_commands.switchVersion(m_baseline).problem;
+}
+
+// The version that was current last may be any; the study of a project is that of the first version that has one.
+void ProjectSession::makeStudyCurrent() {
+  for (EntityModel::ModelVersion *version : m_project->versions()) {
+    if (version->isStudyBaseline()) {
+      m_baseline = version;
+      break;
+    }
+  }
+  if (m_project->currentVersion() != m_baseline || !hasStudy()) {
+    tolerateUnpriced([this] {
+      const EmbeddedHost::CommandResult switched = m_commands.switchVersion(m_baseline);
+      static_cast<void>(switched); // seen by whoever asks for the current version
+    });
+  }
+}
+
+void ProjectSession::readModel() {
+  m_model = std::make_unique<ProjectModel>(*m_project);
+  buildRule();
+}
+
+std::string ProjectSession::rule() const {
+  const EntityModel::Attribute *text = m_project->attribute(m_project->rootEntity(), ProjectModel::kRule);
+  return text == nullptr ? "" : text->getValueAsString();
+}
+
+void ProjectSession::setRule(const std::string &rule) {
+  m_project->setValue(m_project->rootEntity(), ProjectModel::kRule, rule);
+  buildRule();
+}
+
+// A rule that does not build any more, for an attribute that is gone, keeps nobody from looking.
+void ProjectSession::buildRule() {
+  const std::string text = rule();
+  std::vector<ExpressionNote> warnings;
+  ExpressionNote problem;
+  m_rule = text.empty() ? std::nullopt : StudyExpression::create(text, m_model->names(), warnings, problem);
+}
+
+std::string ProjectSession::infeasibility(const AttributeValues &inputs) const {
+  if (!m_rule) {
+    return "";
+  }
+  std::string problem;
+  const std::optional<double> value = m_rule->evaluate(inputs, problem);
+  if (!value) {
+    return "rule: " + problem;
+  }
+  return *value != 0.0 ? "" : "rule: " + rule();
+}
+
+std::string ProjectSession::title() const {
+  const std::string name = m_project->rootEntity()->getName(true);
+  return name == kUntitled ? "" : name;
+}
+
+void ProjectSession::setTitle(const std::string &title) {
+  m_project->renameEntity(m_project->rootEntity(), title.empty() ? kUntitled : title);
+}
+
+bool ProjectSession::hasStudy() const {
+  return OptimizationManager::instance().getData() != nullptr;
+}
+
+OptimizationData &ProjectSession::data() const {
+  return *OptimizationManager::instance().getData();
+}
+
+std::size_t ProjectSession::groupCount(bool isInput) const {
+  return !hasStudy() ? 0 : static_cast<std::size_t>(isInput ? data().getNumInputs() : data().getNumOutputs());
+}
+
+const ModelAttribute *ProjectSession::groupAttribute(bool isInput, std::size_t group) const {
+  return m_model->find(data().getGroup(isInput, static_cast<int>(group)).getFrontAttribute());
+}
+
+std::string ProjectSession::rowName(std::size_t row) const {
+  return data().getVariantName(row);
+}
+
+std::optional<std::size_t> ProjectSession::findRow(const std::string &name) const {
+  return hasStudy() ? data().getVariantIndex(name) : std::nullopt;
+}
+
+EntityModel::ModelVersion *ProjectSession::rowVersion(std::size_t row) const {
+  return m_project->changeManager().findVersion(rowName(row), nullptr);
+}
+
+void ProjectSession::setRowState(std::size_t row, RowState state) {
+  m_states[row] = std::move(state);
+}
+
+void ProjectSession::refreshRows() {
+  std::unordered_map<std::string, RowState> known;
+  for (std::size_t row = 0; row < m_names.size(); ++row) {
+    known.emplace(std::move(m_names[row]), std::move(m_states[row]));
+  }
+  const std::size_t count = hasStudy() ? data().getNumVariants() : 0;
+  m_names.clear();
+  m_states.assign(count, RowState());
+  for (std::size_t row = 0; row < count; ++row) {
+    m_names.push_back(rowName(row));
+    if (const auto found = known.find(m_names.back()); found != known.end()) {
+      m_states[row] = std::move(found->second);
+    }
+  }
+}
+
+void ProjectSession::rowWasAdded() {
+  m_states.emplace_back();
+  m_names.push_back(rowName(m_states.size() - 1));
+}
+
+std::optional<double> ProjectSession::currentValue(const std::string &fullName) const {
+  const ModelAttribute *attribute = m_model->find(fullName);
+  return attribute == nullptr || !attribute->value->hasValue()
+             ? std::nullopt
+             : std::optional<double>(attribute->value->getStandardValue());
+}
+
+std::string ProjectSession::inputsKey() const {
+  QCryptographicHash hash(QCryptographicHash::Sha256);
+  const auto add = [&hash](const std::string &text) {
+    const std::string length = std::to_string(text.size()) + ":";
+    hash.addData(length.data(), static_cast<int>(length.size()));
+    hash.addData(text.data(), static_cast<int>(text.size()));
+  };
+  for (const ModelAttribute &attribute : m_model->attributes()) {
+    if (!attribute.isResult) {
+      add(attribute.fullName());
+      add(shownText(attribute, attribute.value));
+    }
+  }
+  return "inputs-1:" + hash.result().toHex().toStdString();
+}
+
+void ProjectSession::assessFromRecords() {
+  if (m_states.empty()) {
+    return;
+  }
+  const VersionTour tour(*this);
+  const EmbeddedHost::Project::RunRecords records = m_project->runRecords();
+  for (std::size_t row = 0; row < m_states.size(); ++row) {
+    EntityModel::ModelVersion *version = rowVersion(row);
+    RowState state;
+    if (version == nullptr) {
+      state.status = RowStatus::Failed;
+      state.reason = "start: the version of \"" + rowName(row) + "\" is gone";
+    } else {
+      const auto known = records.find(version);
+      const EmbeddedHost::RunRecord record =
+          known == records.end() ? EmbeddedHost::RunRecord() : known->second;
+      const EmbeddedHost::CommandResult switched = m_commands.switchVersion(version);
+      state = stateOf(record, switched ? inputsKey() : "", m_project->isReadOnlyProject());
+      const std::string broken =
+          infeasibility([this](const std::string &name) { return currentValue(name); });
+      if (!broken.empty()) {
+        state.status = RowStatus::Infeasible;
+        state.reason = broken;
+      }
+    }
+    state.isInStudyFile = m_states[row].isInStudyFile;
+    m_states[row] = std::move(state);
+  }
+}
+
+// Much that the study does prices rows on the way, and a cost may be one that cannot be computed for a row: not yet,
+// while it has no results, or never. That must not keep anybody from opening, mending or solving the study.
+void ProjectSession::tolerateUnpriced(const std::function<void()> &call) {
+  try {
+    call();
+    return;
+  } catch (const std::exception &) {
+    if (!hasStudy()) {
+      throw;
+    }
+  }
+  // Whatever threw has left the version of that row current.
+  const EmbeddedHost::CommandResult switched = m_commands.switchVersion(m_baseline);
+  static_cast<void>(switched);
+  data().clearCosts();
+  for (std::size_t row = 0; row < data().getNumVariants(); ++row) {
+    try {
+      data().recalculateCost(row);
+    } catch (const std::exception &) {
+      data().clearCosts(row);
+    }
+  }
+}
+
+std::string ProjectSession::freeRowName() const {
+  for (std::size_t number = rowCount();; ++number) {
+    std::string name = "Variant " + std::to_string(number);
+    if (m_project->changeManager().findVersion(name, nullptr) == nullptr) {
+      return name;
+    }
+  }
+}
+
+std::string ProjectSession::updateAndPrice() {
+  std::string problem;
+  try {
+    data().updateAlternates(OptimizationData::ReadFromModel, nullptr);
+  } catch (const std::exception &) {
+    // One by one, so that the others have their cost.
+    for (std::size_t row = 0; row < m_states.size(); ++row) {
+      try {
+        data().updateAlternate(OptimizationData::ReadFromModel, row);
+      } catch (const std::exception &error) {
+        data().clearCosts(row);
+        if (problem.empty() && m_states[row].status == RowStatus::Ok) {
+          problem = "the cost of \"" + rowName(row) + "\" cannot be computed: " + error.what();
+        }
+      }
+    }
+    const EmbeddedHost::CommandResult switched = m_commands.switchVersion(m_baseline);
+    problem = problem.empty() ? switched.problem : problem;
+  }
+  clearUnreliableCosts();
+  return problem;
+}
+
+void ProjectSession::clearUnreliableCosts() {
+  for (std::size_t row = 0; row < m_states.size(); ++row) {
+    if (m_states[row].status != RowStatus::Ok) {
+      data().clearCosts(row);
+    }
+  }
+}
+
+std::string ProjectSession::save() {
+  return m_commands.save().problem;
+}
+
+class VersionTour::Parts {
+public:
+  explicit Parts(ProjectSession &session)
+      : m_session(session), m_run(session.commands()), m_guard(session.data()) {}
+  Parts(const Parts &) = delete;
+  Parts &operator=(const Parts &) = delete;
+  ~Parts() {
+    const EmbeddedHost::CommandResult switched = m_session.commands().switchVersion(m_session.baseline());
+    static_cast<void>(switched); // the baseline exists as long as the project
+  }
+
+private:
+  ProjectSession &m_session;
+  EmbeddedHost::Commands::SolverRun m_run;
+  OptimizationTool::OptimizationDataSolvingGuard m_guard;
+};
+
+VersionTour::VersionTour(ProjectSession &session) : m_parts(std::make_unique<Parts>(session)) {}
+
+VersionTour::~VersionTour() = default;
+
+} // namespace Workbench

@@ -1,0 +1,51 @@
+#include "Workbench/src/SolverSetup.h"
+
+#include "Workbench/UnitSystem.h"
+
+#include <utility>
+
+namespace Workbench {
+
+std::unique_ptr<SolverSetup> SolverSetup::load(const std::string &studyFile, const std::string &searchPath,
+                                               Versions versions, const Console &console) {
+  const HostUnits units;
+  std::vector<FileProblem> problems;
+  std::optional<StudyFile> study = StudyFile::read(studyFile, units, problems);
+  std::vector<std::string> notes = study ? study->notes : std::vector<std::string>();
+  std::optional<RunInputs> inputs = study ? RunInputs::load(*study, units, notes, problems) : std::nullopt;
+  std::optional<SolverPrograms> programs =
+      inputs ? SolverPrograms::find(*study, searchPath, problems) : std::nullopt;
+  if (!programs) {
+    printProblems(problems, console);
+    return nullptr;
+  }
+  const std::string problem = versions == Versions::Asked ? programs->askVersions(*study, searchPath) : "";
+  if (!problem.empty()) {
+    console.error(problem);
+    return nullptr;
+  }
+  printWarnings(study->warnings, console);
+  printNotes(notes, console);
+  return std::make_unique<SolverSetup>(
+      SolverSetup{std::move(*study), std::move(*inputs), std::move(*programs)});
+}
+
+void printProblems(const std::vector<FileProblem> &problems, const Console &console) {
+  for (const FileProblem &problem : problems) {
+    console.error(problem.toText());
+  }
+}
+
+void printWarnings(const std::vector<FileProblem> &warnings, const Console &console) {
+  for (const FileProblem &warning : warnings) {
+    console.note("warning: " + warning.toText());
+  }
+}
+
+void printNotes(const std::vector<std::string> &notes, const Console &console) {
+  for (const std::string &note : notes) {
+    console.note("note: " + note);
+  }
+}
+
+} // namespace Workbench

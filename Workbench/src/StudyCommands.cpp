@@ -1,0 +1,139 @@
+#include "ExpressionBuilder/Expression.h"
+#include "ExpressionBuilder/SimpleVariableCollection.h"
+#include "HostModel/ModelVersion.h"
+#include "OptimizationTool/CostFunctionBuilder.h"
+#include "OptimizationTool/OptimizationData.h"
+#include "OptimizationTool/OptimizationManager.h"
+#include "Workbench/EditCommands.h"
+#include "Workbench/ExitCode.h"
+#include "Workbench/MatrixTable.h"
+#include "Workbench/src/MatrixSummary.h"
+#include "Workbench/src/ProjectArgument.h"
+#include "Workbench/src/StudyEditing.h"
+
+#include <ostream>
+
+namespace Workbench {
+
+namespace {
+
+using EmbeddedHost::OpenMode;
+using EntityModel::ModelVersionStudyType;
+using MathematicalUtilities::OptimisationStrategy;
+using OptimizationTool::OptimizationManager;
+
+bool isBlank(const std::string &text) {
+  return text.find_first_not_of(" \t") == std::string::npos;
+}
+
+// "2 + ^* 3": the place of an error in a text.
+std::string marked(const std::string &text, std::size_t offset) {
+  return text.substr(0, offset) + "^" + text.substr(offset);
+}
+
+// Why the text is no cost of this study; "" when it is one.
+std::string problemOfCost(const ProjectSession &session, const std::string &text) {
+  if (isBlank(text)) {
+    return "";
+  }
+  const OptimizationTool::CostFunctionBuilder builder(session.data());
+  if (builder.create(text) != nullptr) {
+    return "";
+  }
+  const std::optional<std::size_t> offset = builder.getLastBuildErrorPosition();
+  return "The cost cannot be built, and the old one stays: " + builder.getLastBuildError() +
+         (offset ? " at character " + std::to_string(*offset + 1) + ": " + marked(text, *offset) : "");
+}
+
+std::string setCost(ProjectSession &session, const std::string &text, const Console &console) {
+  std::string problem = problemOfCost(session, text);
+  if (!problem.empty()) {
+    return problem;
+  }
+  std::string unpriced;
+  try {
+    session.data().setCostFunction(text);
+  } catch (const std::exception &) {
+    unpriced = session.updateAndPrice();
+  }
+  session.clearUnreliableCosts();
+  if (!unpriced.empty()) {
+    console.error(unpriced);
+  }
+  const MatrixTable table = MatrixTable::of(session);
+  const std::string best = bestLine(table);
+  console.out << table.toText() << "\n"
+              << best << (best.empty() ? "" : "\n") << RowCounts::of(table).toText() << "\n";
+  return "";
+}
+
+const char *targetWord(OptimisationStrategy target) {
+  return target == OptimisationStrategy::Minimise   ? "minimise"
+         : target == OptimisationStrategy::Maximise ? "maximise"
+                                                    : "none";
+}
+
+} // namespace
+
+int beginCommand(const std::string &project, ModelVersionStudyType type, const Console &console) {
+  return withProject(project, OpenMode::ReadWrite, console, [&](ProjectSession &session) {
+    if (session.hasStudy()) {
+      console.error("The project " + session.fileName() + " has a study already: \"optstudy end\" ends it.");
+      return ExitCode::kInvalid;
+    }
+    OptimizationManager::instance().beginStudy(type);
+    if (!session.hasStudy()) {
+      console.error("The study could not be begun.");
+      return ExitCode::kInvalid;
+    }
+    const std::string problem = session.save();
+    if (!problem.empty()) {
+      console.error(problem);
+      return ExitCode::kInternalError;
+    }
+    console.note("Began a study; next: \"optstudy input add " + project + " ATTRIBUTE\"");
+    return ExitCode::kDone;
+  });
+}
+
+int endCommand(const std::string &project, bool deleteVersions, const Console &console) {
+  return editStudy(project, console, [&](ProjectSession &session) -> std::string {
+    const std::size_t rows = session.rowCount() - 1;
+    OptimizationManager::instance().endStudy(deleteVersions);
+    if (session.hasStudy()) {
+      return "The study could not be ended";
+    }
+    console.note("Ended the study; " + numbered(rows, "row was ", "rows were ") +
+                 (deleteVersions ? "deleted" : "kept as versions of the project"));
+    return "";
+  });
+}
+
+int costCommand(const std::string &project, const std::optional<std::string> &text, const Console &console) {
+  if (text) {
+    return editStudy(project, console,
+                     [&](ProjectSession &session) { return setCost(session, *text, console); });
+  }
+  return withStudy(project, OpenMode::ReadOnly, console, [&](ProjectSession &session) {
+    console.out << session.data().getCostFunction() << "\n";
+    return ExitCode::kDone;
+  });
+}
+
+int targetCommand(const std::string &project, const std::optional<OptimisationStrategy> &target,
+                  const Console &console) {
+  if (!target) {
+    return withStudy(project, OpenMode::ReadOnly, console, [&](ProjectSession &session) {
+      console.out << targetWord(session.data().getOptimisationTarget()) << "\n";
+      return ExitCode::kDone;
+    });
+  }
+  return editStudy(project, console, [&](ProjectSession &session) -> std::string {
+    session.data().setOptimisationTarget(*target);
+    const std::string best = bestLine(MatrixTable::of(session));
+    console.out << best << (best.empty() ? "" : "\n");
+    return session.data().getOptimisationTarget() == *target ? "" : "The target could not be set";
+  });
+}
+
+} // namespace Workbench
