@@ -27,7 +27,8 @@ struct SolverCommand {
   std::string outputFile;    ///< receives standard output; created, must not exist; empty: discarded
   std::string errorFile;     ///< receives standard error; created, must not exist; empty: discarded
   /// Added to the inherited environment, replacing variables of the same name. OMP_NUM_THREADS is 1 unless it
-  /// is named here or inherited, because solvers that run side by side would fight for the processors.
+  /// is named here or inherited, because solvers that run side by side would fight for the processors. LC_ALL is
+  /// C.UTF-8 unless it is named here: what a solver writes does not depend on the language of whoever runs it.
   std::map<std::string, std::string> environment;
   /// 0: none. Time in which this program is suspended, and its solvers with it, does not count.
   std::chrono::milliseconds timeLimit{0};

@@ -31,6 +31,41 @@ if(OPTSTUDY_COVERAGE)
   target_link_options(optstudy_flags INTERFACE -fprofile-instr-generate)
 endif()
 
+# Headers of the system and of Qt that most sources include are compiled once for all sources of one kind, which saves
+# a third of the compile time. The build for clang-tidy goes without, and so finds a source that forgets an include.
+set(optstudy_common_headers
+    <algorithm> <array> <cmath> <cstddef> <cstdint> <cstdlib> <cstring> <exception> <functional> <limits> <map> <memory>
+    <optional> <set> <stdexcept> <string> <string_view> <type_traits> <unordered_map> <utility> <vector>)
+set(optstudy_test_headers <filesystem> <fstream> <iostream> <sstream> <gtest/gtest.h>)
+
+# optstudy_precompile(<target> <LIBRARY|TEST|PLAIN_TEST>)
+# What shares precompiled headers is compiled with the same options: libraries with hidden symbols, tests, and tests
+# that do not link Qt.
+function(optstudy_precompile target kind)
+  if(NOT OPTSTUDY_PRECOMPILE)
+    return()
+  endif()
+  string(TOLOWER optstudy_precompiled_${kind} shared)
+  if(NOT TARGET ${shared})
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/precompiled/${shared}.cpp CONTENT "")
+    add_library(${shared} OBJECT ${PROJECT_BINARY_DIR}/precompiled/${shared}.cpp)
+    target_link_libraries(${shared} PRIVATE optstudy_flags)
+    target_precompile_headers(${shared} PRIVATE ${optstudy_common_headers})
+    if(kind STREQUAL "LIBRARY")
+      set_target_properties(${shared} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
+                            VISIBILITY_INLINES_HIDDEN ON)
+    else()
+      target_link_libraries(${shared} PRIVATE GTest::gtest)
+      target_precompile_headers(${shared} PRIVATE ${optstudy_test_headers})
+    endif()
+    if(NOT kind STREQUAL "PLAIN_TEST")
+      target_link_libraries(${shared} PRIVATE Qt5::Core)
+      target_precompile_headers(${shared} PRIVATE <QString>)
+    endif()
+  endif()
+  target_precompile_headers(${target} REUSE_FROM ${shared})
+endfunction()
+
 # Benchmarks register themselves with this one, so that it is there to be built even while there is none.
 add_custom_target(optstudy_benchmarks)
 
@@ -51,6 +86,9 @@ function(optstudy_library name)
   target_include_directories(${name}_objects PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name}_objects PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS}
                         $<BUILD_INTERFACE:optstudy_flags>)
+  if(NOT ARG_DEFAULT_VISIBILITY)
+    optstudy_precompile(${name}_objects LIBRARY)
+  endif()
 
   if(ARG_SHARED)
     add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
@@ -103,14 +141,14 @@ function(optstudy_benchmark name)
   add_dependencies(optstudy_benchmarks ${name})
 endfunction()
 
-# optstudy_test(<Name> SOURCES ... LINK ... [LABELS ...] [TIMEOUT seconds] [ENVIRONMENT VAR=value ...])
+# optstudy_test(<Name> [WITHOUT_QT] SOURCES ... LINK ... [LABELS ...] [TIMEOUT seconds] [ENVIRONMENT VAR=value ...])
 # Every case is a ctest entry, and so a process, of its own. TestMain takes the process locale from the
 # environment, so that a German environment reaches the code under test.
 function(optstudy_test name)
   if(NOT OPTSTUDY_BUILD_TESTS)
     return()
   endif()
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "WITHOUT_QT" "TIMEOUT" "SOURCES;LINK;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 60)
   endif()
@@ -119,6 +157,11 @@ function(optstudy_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} optstudy_test_main GTest::gtest optstudy_flags)
+  if(ARG_WITHOUT_QT)
+    optstudy_precompile(${name} PLAIN_TEST)
+  else()
+    optstudy_precompile(${name} TEST)
+  endif()
   # The lists pass through a generated script, which would otherwise take them apart.
   string(REPLACE ";" "\\;" labels "${ARG_LABELS}")
   string(REPLACE ";" "\\;" environment "${ARG_ENVIRONMENT}")

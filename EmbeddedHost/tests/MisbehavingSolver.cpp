@@ -8,6 +8,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <string>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -125,6 +126,7 @@ int main(int count, char **arguments) {
   } else if (what == "serve deaf") {
     startService();
     ignoreEverything();
+    prctl(PR_SET_NAME, "deaf_solver"); // so that it can be seen that it does not listen from now on
     hang();
   } else if (what == "generations") {
     startGenerations();

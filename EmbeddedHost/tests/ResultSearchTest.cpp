@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
+#include <sstream>
+
 namespace EmbeddedHost {
 namespace {
 
@@ -18,7 +21,10 @@ std::string found(const ExtractionRule &rule, const std::string &text) {
   if (!result.value) {
     return result.reason;
   }
-  std::string number = std::to_string(*result.value);
+  std::ostringstream stream;
+  stream.imbue(std::locale::classic());
+  stream << std::fixed << *result.value;
+  std::string number = stream.str();
   number.erase(number.find_last_not_of('0') + 1);
   return number + " in " + std::to_string(result.line);
 }

@@ -146,7 +146,7 @@ TEST_F(SolverEndsTest, TwoAtATime_EndEachForItself) {
 TEST_F(SolverEndsTest, Stop_OfOneThatDoesNotListen_TakesTheGraceTime) {
   SolverProcess process(solver({"serve deaf"}), supervisors);
   ASSERT_TRUE(process.start());
-  ASSERT_GT(waitFor("solver"), 0);
+  ASSERT_GT(waitFor("deaf_solver"), 0);
   process.stop();
   const SolverOutcome outcome = finish(process);
   EXPECT_EQ(outcome.end, SolverEnd::Stopped);

@@ -125,11 +125,13 @@ TEST_F(SolverInheritanceTest, Environment_IsOursOfTheMomentAndTheOneGiven) {
   command.environment = {{"SOLVER_TEST_GIVEN", "=;\""}, {"OPTSTUDY_TEST_MARK", mark}};
   std::vector<std::string> seen = divide(outputOf(command));
   std::vector<std::string> expected = {"SOLVER_TEST_GIVEN==;\"", "OPTSTUDY_TEST_MARK=" + mark};
+  expected.emplace_back("LC_ALL=C.UTF-8");
   if (std::getenv("OMP_NUM_THREADS") == nullptr) {
     expected.emplace_back("OMP_NUM_THREADS=1");
   }
   for (char **variable = environ; *variable != nullptr; ++variable) {
-    if (std::string(*variable).rfind("OPTSTUDY_TEST_MARK=", 0) != 0) {
+    const std::string text = *variable;
+    if (text.rfind("OPTSTUDY_TEST_MARK=", 0) != 0 && text.rfind("LC_ALL=", 0) != 0) {
       expected.emplace_back(*variable);
     }
   }

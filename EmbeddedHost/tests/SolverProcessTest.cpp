@@ -140,6 +140,23 @@ TEST_F(SolverProcessTest, Run_NumberOfThreadsGivenOrInherited_IsLeftAlone) {
   EXPECT_EQ(read("out"), "4\n");
 }
 
+// Solvers, and scripts that make their input, write and read numbers as the locale tells them.
+TEST_F(SolverProcessTest, Run_LocaleOfOurs_DoesNotReachTheSolver) {
+  const char *const before = ::getenv("LC_ALL");
+  const std::string kept = before == nullptr ? "" : before;
+  ::setenv("LC_ALL", "de_DE.UTF-8", 1);
+  run(shell("echo $LC_ALL"));
+  before == nullptr ? ::unsetenv("LC_ALL") : ::setenv("LC_ALL", kept.c_str(), 1);
+  EXPECT_EQ(read("out"), "C.UTF-8\n");
+}
+
+TEST_F(SolverProcessTest, Run_LocaleGiven_IsLeftAlone) {
+  SolverCommand command = shell("echo $LC_ALL");
+  command.environment = {{"LC_ALL", "tr_TR.UTF-8"}};
+  run(command);
+  EXPECT_EQ(read("out"), "tr_TR.UTF-8\n");
+}
+
 TEST_F(SolverProcessTest, Run_StandardInput_IsEmpty) {
   EXPECT_EQ(run(shell("cat; exit 5")).exitCode, 5);
   EXPECT_EQ(read("out"), "");

@@ -17,6 +17,7 @@ namespace {
 
 // "NAME=value" texts: ours first, then what is inherited and not replaced.
 std::vector<std::string> environmentTexts(std::map<std::string, std::string> variables) {
+  variables.emplace("LC_ALL", "C.UTF-8");
   if (::getenv("OMP_NUM_THREADS") == nullptr) {
     variables.emplace("OMP_NUM_THREADS", "1");
   }
