@@ -2,6 +2,8 @@
 # Configuring, building and testing. Sourced from the root of the tree.
 
 jobs=$(nproc)
+# Without these ccache cannot keep a result that was made with precompiled headers.
+export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}
 
 # configure <folder in build/> <cmake arguments...>
 # Runs CMake only when the arguments have changed or nothing is configured yet; Ninja sees changed lists itself.
