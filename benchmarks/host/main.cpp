@@ -1,19 +1,17 @@
 #include "benchmarks/common/CommandLine.h"
 #include "benchmarks/common/Core.h"
+#include "benchmarks/common/Program.h"
 #include "benchmarks/host/Benchmarks.h"
 #include "benchmarks/host/ScratchFolder.h"
 
 #include <sqlite3.h>
 
 #include <array>
-#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -42,60 +40,14 @@ using Measure = void (*)(const Setting &, BarList &);
 constexpr std::array<Measure, 6> kTables = {&measureSwitching, &measureLookUp, &measureSaving,
                                             &measureOpening,   &measureMemory, &measureCreation};
 
-struct Options {
-  std::vector<std::size_t> tables = {1, 2, 3, 4, 5, 6};
-  bool quick = false;
-  bool help = false;
-  std::optional<int> core;
-  std::string folder;
-  std::optional<std::string> memoryOf;
-  std::size_t alternates = 0;
-};
-
-Options readOptions(int count, char **arguments) {
-  Options options;
-  for (int at = 1; at < count; ++at) {
-    const std::string_view argument = arguments[at];
-    const std::size_t equals = argument.find('=');
-    const std::string_view name = argument.substr(0, equals);
-    const std::string_view value = equals == std::string_view::npos ? "" : argument.substr(equals + 1);
-    if (name == "--rows") {
-      options.tables = tableNumbers(value, kTables.size());
-    } else if (name == "--core") {
-      options.core = wholeNumber<int>(value);
-    } else if (name == "--folder") {
-      options.folder = value;
-    } else if (name == "--memory-of") {
-      options.memoryOf = value;
-    } else if (name == "--alternates") {
-      options.alternates = wholeNumber<std::size_t>(value);
-    } else if (argument == "--quick") {
-      options.quick = true;
-    } else if (argument == "--help") {
-      options.help = true;
-    } else {
-      throw std::invalid_argument("Unknown option " + std::string(argument));
-    }
-  }
-  return options;
-}
-
-void run(const Options &options, char **arguments) {
-  if (options.help) {
-    std::cout << kHelp;
-    return;
-  }
-  if (options.memoryOf) {
-    runMemoryChild(*options.memoryOf, options.alternates);
-    return;
-  }
-  const int core = runOnOneCore(options.core, arguments);
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
-  const ScratchFolder folder(options.folder.empty() ? program.parent_path().string() : options.folder);
+void measure(const Choice &choice, const std::string &parent, char **arguments) {
+  const int core = runOnOneCore(choice.core, arguments);
   Setting setting;
-  setting.program = program.string();
+  setting.program = programPath();
+  const ScratchFolder folder(parent.empty() ? std::filesystem::path(setting.program).parent_path().string()
+                                            : parent);
   setting.folder = folder.path();
-  if (options.quick) {
+  if (choice.quick) {
     setting.effort = {3, 0.001};
     setting.longRepetitions = 1;
   }
@@ -103,29 +55,34 @@ void run(const Options &options, char **arguments) {
             << " interleaved repetitions, of what takes seconds " << setting.longRepetitions
             << "; medians of processor time where nothing else is said\nSQLite " << sqlite3_libversion()
             << "; projects are saved on " << folder.fileSystem() << '\n';
-  if (options.quick) {
+  if (choice.quick) {
     std::cout << "A QUICK RUN: too few repetitions to judge by\n";
   }
-  BarList bars;
-  for (const std::size_t table : options.tables) {
-    kTables.at(table - 1)(setting, bars);
-  }
-  std::cout << "\nAll bars\n";
-  bars.print();
-  bars.printSummary();
+  measureTables(kTables, choice, setting, "All bars");
 }
 
 } // namespace
 
 int main(int count, char **arguments) {
-  try {
-    run(readOptions(count, arguments), arguments);
-    return 0;
-  } catch (const std::invalid_argument &error) {
-    std::cerr << error.what() << "\n\n" << kHelp;
-    return 2;
-  } catch (const std::exception &error) {
-    std::cerr << error.what() << '\n';
-  }
-  return 1;
+  std::string folder;
+  std::optional<std::string> memoryOf;
+  std::size_t alternates = 0;
+  const OwnOptions own = {{"--folder",
+                           [&](std::string_view value) {
+                             folder = value;
+                           }},
+                          {"--memory-of",
+                           [&](std::string_view value) {
+                             memoryOf = value;
+                           }},
+                          {"--alternates", [&](std::string_view value) {
+                             alternates = wholeNumber<std::size_t>(value);
+                           }}};
+  return runProgram(count, arguments, kHelp, kTables.size(), own, [&](const Choice &choice) {
+    if (memoryOf) {
+      runMemoryChild(*memoryOf, alternates);
+    } else {
+      measure(choice, folder, arguments);
+    }
+  });
 }
