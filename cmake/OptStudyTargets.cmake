@@ -13,7 +13,6 @@ elseif(OPTSTUDY_SANITIZE)
   target_compile_options(optstudy_flags INTERFACE -g1)
 endif()
 if(OPTSTUDY_SANITIZE STREQUAL "address")
-  # By clang, which takes half the time of g++ here, and so every build proves two compilers.
   target_compile_definitions(optstudy_flags INTERFACE OPTSTUDY_ADDRESS_SANITIZER)
   target_compile_options(optstudy_flags INTERFACE -O0 -fsanitize=address,undefined,float-cast-overflow
                          -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -5,13 +5,13 @@
 build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev libsqlite3-dev libudunits2-dev libudunits2-data
   libcli11-dev libyaml-cpp-dev nlohmann-json3-dev)
 run_packages=("${build_packages[@]}" ngspice)
-test_packages=("${run_packages[@]}" calculix-ccx mawk libgtest-dev libgmock-dev locales strace e2fsprogs mount)
-asan_packages=("${test_packages[@]}" clang libclang-rt-dev llvm)
+test_packages=("${run_packages[@]}" clang calculix-ccx mawk libgtest-dev libgmock-dev locales strace e2fsprogs mount)
+asan_packages=("${test_packages[@]}" libclang-rt-dev llvm)
 bench_packages=("${run_packages[@]}" libbenchmark-dev libmuparser-dev)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-dev llvm)
-coverage_packages=("${test_packages[@]}" clang libclang-rt-dev llvm python3)
+coverage_packages=("${test_packages[@]}" libclang-rt-dev llvm python3)
 mutate_packages=("${test_packages[@]}" git python3 util-linux binutils)
-lint_packages=("${build_packages[@]}" libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev git python3
+lint_packages=("${build_packages[@]}" clang libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev git python3
   clang-format clang-tidy)
 docs_packages=(doxygen)
 
