@@ -40,7 +40,8 @@ ProjectModel::ProjectModel(EmbeddedHost::Project &project) {
 }
 
 void ProjectModel::add(EmbeddedHost::Project &project, EntityModel::Entity *entity) {
-  const EntityModel::TypeRef &type = entity->getType().getReference();
+  const EntityModel::TypeRef type =
+      entity->getType().getReference(); // a copy: the type itself is a temporary
   for (const EmbeddedHost::MemberType &member : project.schema().declaration(type.getLabel())) {
     const std::optional<AttributeKind> kind = kindOf(member.kind);
     if (!kind) {
