@@ -9,6 +9,7 @@
 #include "HostModel/Host.h"
 #include "HostModel/ModelVersion.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -26,6 +27,11 @@ struct HostBehaviour {
 
 /// Whether a project is opened to be changed or only to be looked at.
 enum class OpenMode { ReadWrite, ReadOnly };
+
+/// Changes the types of a project while it is opened; it is given those that were saved. Types that entities have must
+/// stay, and so must members that have values, of the same kind, with units that the saved values convert to and with
+/// the options that they choose. \return "" or why they cannot be changed, in one sentence
+using SchemaChange = std::function<std::string(ModelSchema &schema)>;
 
 /// One open project: a model of entities with typed values, its tree of versions, and the file and the
 /// results folders that keep them. It is a host: install it with HostModel::HostInstallation, or install a
@@ -45,6 +51,12 @@ public:
   ///         program, or held by another process that writes it; it is then exactly as it was
   static std::unique_ptr<Project> open(const std::string &file, OpenMode mode, std::string &problem,
                                        const HostBehaviour &behaviour = {});
+  /// Opens a project file to be changed, with other types than it was saved with. Members that are new have their
+  /// default in every version; values are converted into the units that are declared now. Nothing is written before
+  /// save(), and no run can be recorded before it.
+  /// \return as above; null with the reason of \p change also when that answers one, or when a saved value does not fit
+  static std::unique_ptr<Project> open(const std::string &file, const SchemaChange &change,
+                                       std::string &problem, const HostBehaviour &behaviour = {});
   ~Project() override;
 
   /// \name The host
@@ -114,7 +126,8 @@ public:
 
   /// The record of the last run of a version; status None when it never ran. A run that an earlier program began and
   /// never recorded is Failed with the reason kLostRun. In a project that was opened for reading only it is Running,
-  /// because another program may be at it.
+  /// because another program may be at it, and all records are those of the moment at which it was opened, as the
+  /// values are.
   RunRecord runRecord(const EntityModel::ModelVersion &version) const;
   using RunRecords = std::unordered_map<const EntityModel::ModelVersion *, RunRecord>;
   /// The records of all versions that ever ran, as runRecord() answers them, in one reading of the file: for whoever
@@ -149,6 +162,8 @@ public:
 
 private:
   explicit Project(std::unique_ptr<Parts> parts);
+  static std::unique_ptr<Project> openWith(const std::string &file, OpenMode mode, const SchemaChange &change,
+                                           std::string &problem, const HostBehaviour &behaviour);
 
   std::unique_ptr<Parts> m_parts;
 };

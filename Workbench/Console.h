@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <iosfwd>
 #include <string>
@@ -18,6 +19,8 @@ struct Console {
   std::function<int()> interruptions = {};
   /// Asks a question that is answered by yes or no; empty when nobody can be asked.
   std::function<bool(const std::string &question)> confirm = {};
+  /// How many columns the terminal of messages has at this moment, 0 when that is not known. May be empty.
+  std::function<std::size_t()> width = {};
 
   /// What a person should know though nothing is wrong.
   void note(const std::string &text) const;

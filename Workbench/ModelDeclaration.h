@@ -23,7 +23,7 @@ std::string declareModel(const StudyFile &study, EmbeddedHost::ModelSchema &sche
 std::string createEntities(const StudyFile &study, EmbeddedHost::Project &project);
 
 /// Whether the model of an existing project is the one that the study file declares; its values may differ.
-/// \return "" when it is, else one sentence saying what differs
+/// \return "" when it is, else what differs and what to do
 std::string compareModel(const StudyFile &study, const EmbeddedHost::Project &project);
 
 /// Fills templates with the values of the current version.

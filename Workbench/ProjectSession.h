@@ -4,6 +4,7 @@
 #include "EmbeddedHost/Project.h"
 #include "EmbeddedHost/RunRecord.h"
 #include "HostModel/Host.h"
+#include "HostModel/StudyEnumerations.h"
 #include "Workbench/ProjectModel.h"
 #include "Workbench/RowState.h"
 #include "Workbench/StudyExpression.h"
@@ -69,12 +70,17 @@ public:
   bool hasStudy() const;
   /// The study that the manager holds for the baseline. Fetch it again after every switch of versions.
   OptimizationTool::OptimizationData &data() const;
+  /// Says what the best row is. The library itself keeps a target that was set once.
+  void setTarget(MathematicalUtilities::OptimisationStrategy target);
   /// The version that the study begins with; the root version without a study.
   EntityModel::ModelVersion *baseline() const { return m_baseline; }
 
   /// The attribute that stands for a group: its first one. Null for a group whose attribute the model does not have.
   const ModelAttribute *groupAttribute(bool isInput, std::size_t group) const;
   std::size_t groupCount(bool isInput) const;
+  /// Whether every group of a side has an attribute. Where one has none the cells of those behind it stand one place
+  /// before theirs, and nothing in them can be trusted.
+  bool hasAllAttributes(bool isInput) const;
 
   std::size_t rowCount() const { return m_states.size(); }
   std::string rowName(std::size_t row) const;
@@ -98,7 +104,8 @@ public:
   /// Reads the results of every row from its version, prices the rows and clears what is not to be trusted.
   /// \return "" or why the cost of a row with results cannot be computed, for the first such row
   std::string updateAndPrice();
-  /// Clears the cost of every row whose status is not Ok.
+  /// Clears the cost of every row whose status is not Ok, and of every other that lacks a value which the cost names:
+  /// the library prices that as 0 where the cost does not mention the group by its own name.
   void clearUnreliableCosts();
   /// \return "" or why it could not be saved
   std::string save();
@@ -122,6 +129,7 @@ protected:
 
 private:
   void makeStudyCurrent();
+  bool lacksPricedValue(std::size_t row, const std::string &cost) const;
   void buildRule();
 
   std::string m_fileName;

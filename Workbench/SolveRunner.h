@@ -10,14 +10,25 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Workbench {
 
+class BestCost;
 class UnitSystem;
 class VersionRun;
 struct RunPlan;
+
+/// How far a solve is, besides what is finished.
+struct SolveProgress {
+  std::size_t running = 0; ///< solvers at this moment
+  /// The best cost of all rows that are ok, also of those that were before, by the cost and the target of the study;
+  /// empty without one.
+  std::optional<double> bestCost;
+  bool isStopping = false; ///< no further row is begun
+};
 
 /// What a solve tells whoever shows it, and asks of them.
 class SolveObserver {
@@ -30,6 +41,8 @@ public:
   /// \param toSolve  rows that will be solved
   /// \param alreadySolved  rows that need not be
   virtual void begun(std::size_t toSolve, std::size_t alreadySolved) = 0;
+  /// Told whenever something may have changed, and several times a second while solvers run.
+  virtual void progressed(const SolveProgress &progress);
   virtual void finished(const std::string &rowName, const RowState &state, double seconds) = 0;
   virtual void ended() = 0;
   /// How often a person has asked to stop: once finishes what runs, twice ends it now.
@@ -67,9 +80,17 @@ public:
   /// Everything is kept by reference.
   SolveRunner(ProjectSession &session, const StudyFile &study, const RunInputs &inputs,
               const UnitSystem &units, const SolverPrograms &programs);
+  SolveRunner(const SolveRunner &) = delete;
+  SolveRunner &operator=(const SolveRunner &) = delete;
+  ~SolveRunner();
 
   /// Compares every row with the record of its last run and sets its state. Starts nothing.
   void assess();
+
+  /// Brings the records of rows up to date whose inputs have changed in nothing that their results depend on, such as
+  /// an attribute that no template uses: whoever looks without the study file would take them for stale. solve() does
+  /// it too. \return "" or why a record could not be stored
+  std::string renewRecords();
 
   /// The baseline first, and alone: what fails there would fail everywhere.
   SolveReport solve(const SolveOptions &options, SolveObserver &observer);
@@ -79,11 +100,15 @@ private:
 
   std::string plan(std::size_t row, RunPlan &plan, std::vector<FileProblem> *warnings = nullptr);
   void assessRow(std::size_t row, const EmbeddedHost::RunRecord &record, RowState &state);
+  std::vector<EmbeddedHost::ResultValue> currentResults() const;
   std::string exactText(const std::string &name, std::map<std::string, double> &values) const;
   void stopRow(std::size_t row, const std::string &reason, SolveObserver &observer, SolveReport &report);
   std::unique_ptr<VersionRun> begin(std::size_t row, SolveObserver &observer, SolveReport &report);
   void record(const VersionRun &run, SolveObserver &observer, SolveReport &report);
   void pollAll(Runs &running, SolveObserver &observer, SolveReport &report);
+  void findBestCost(const std::vector<std::size_t> &rowsToSolve);
+  void takeCost(EntityModel::ModelVersion &version);
+  void tell(std::size_t running, SolveObserver &observer, const SolveReport &report) const;
   void cancelAll(const Runs &running, SolveObserver &observer, SolveReport &report);
   void solveRows(const std::vector<std::size_t> &rows, std::size_t parallel, SolveObserver &observer,
                  SolveReport &report);
@@ -96,6 +121,8 @@ private:
   const UnitSystem &m_units;
   const SolverPrograms &m_programs;
   StudyExpressions m_expressions;
+  std::map<std::size_t, std::vector<std::string>> m_newKeys; // of rows whose records are to be renewed
+  std::unique_ptr<BestCost> m_bestCost;                      // of the solve that is going on
   std::string m_lastFailure;
   std::size_t m_equalFailures = 0;
   bool m_onlyExtracts = false;

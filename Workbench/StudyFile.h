@@ -143,6 +143,8 @@ struct StudySolver {
   std::array<int, kFailureReasons> retries{}; ///< how often a run that failed for the reason is tried again
   KeptFiles keep = KeptFiles::All;
   std::size_t outputLimit = std::size_t{16} * 1024 * 1024; ///< bytes kept of each of a stage's logs
+  std::size_t fileLimit = 0;   ///< bytes of the largest file that a stage may write, 0: no limit
+  std::size_t folderLimit = 0; ///< bytes of all files of a run when it has ended, 0: no limit
   std::optional<StudyMarker> success;
   std::string installHint;                ///< how to get the solver, for people
   std::vector<StudyExtractor> extractors; ///< one per result that is no formula

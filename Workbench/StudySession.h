@@ -15,6 +15,8 @@ class OptimizationGroup;
 
 namespace Workbench {
 
+class ModelChange;
+
 /// Whether what opening does to a project is kept.
 enum class Keeping {
   Changes,
@@ -24,8 +26,10 @@ enum class Keeping {
 /// The project of a study file: created, or opened and brought in line with the file.
 class StudySession final : public ProjectSession {
 public:
-  /// Opens the project of the study, or creates it, and brings it in line with the study file: title, inputs and
-  /// outputs, baseline values, limits, cost, target and missing rows. Rows that the study file does not have (any more) are kept. Saves.
+  /// Opens the project of the study, or creates it, and brings it in line with the study file: title, new entities and
+  /// attributes, units, limits and options, inputs and outputs, baseline values, cost, target and missing rows. Rows
+  /// that the study file does not have (any more) are kept; a model that cannot be had without losing what rows have is
+  /// refused. Saves.
   /// \param study   kept by reference
   /// \return null with the reason in \p failure; a new project then leaves no file, an existing one is as it was
   static std::unique_ptr<StudySession> open(const StudyFile &study, const std::string &projectFile,
@@ -44,8 +48,11 @@ private:
   void markInStudyFile(std::size_t row, bool isInStudyFile);
   void applyTitle();
   void applyRule();
+  static std::unique_ptr<EmbeddedHost::Project> openExisting(const std::string &projectFile,
+                                                             const StudyFile &study, ModelChange &change,
+                                                             OpenFailure &failure);
   std::string beginNew();
-  std::string continueExisting();
+  std::string continueExisting(const ModelChange &change);
   OptimizationTool::OptimizationGroup groupAt(bool isInput, std::size_t index) const;
   std::vector<std::string> attributesOf(bool isInput, std::size_t index) const;
   std::optional<std::size_t> findGroupOf(bool isInput, const StudyGroup &declared) const;

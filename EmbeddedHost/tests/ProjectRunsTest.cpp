@@ -178,6 +178,20 @@ TEST_F(ProjectRunsTest, ReadOnlyProject_StoresNoRuns) {
   EXPECT_EQ(problem, "The project " + file + " was opened for reading only.");
 }
 
+// A run that is finished while somebody looks has results that he has not read.
+TEST_F(ProjectRunsTest, ReadOnlyProject_ShowsRunsOfTheMomentOfItsValues) {
+  saveAs();
+  const auto before = reopened();
+  EXPECT_EQ(store({{partA, mass, 4.5}}), "");
+  EXPECT_EQ(before->runRecord(*before->changeManager().findVersion("Row", nullptr)).status, RunStatus::None);
+  EXPECT_TRUE(before->runRecords().empty());
+  EXPECT_EQ(massIn(*before, "Row", 0), "");
+  const auto after = reopened();
+  expectRecord(after->runRecord(*after->changeManager().findVersion("Row", nullptr)));
+  EXPECT_EQ(after->runRecords().size(), 1U);
+  EXPECT_EQ(massIn(*after, "Row", 0), "4.5 kg");
+}
+
 TEST_F(ProjectRunsTest, WithoutAFile_RunsAreKeptAndSavedLater) {
   EXPECT_EQ(store({{partA, mass, 4.5}}), "");
   EXPECT_TRUE(project->needsSave());

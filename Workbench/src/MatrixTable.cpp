@@ -21,20 +21,42 @@ MatrixTable::Column columnOf(const ProjectSession &session, bool isInput, std::s
   return column;
 }
 
-MatrixTable::Row rowOf(const ProjectSession &session, std::size_t number) {
+// What is read of every row. To find a group's attribute goes through the model, and a matrix has many cells.
+struct ReadCells {
+  std::vector<const ModelAttribute *> inputs; ///< null where the cells cannot be told
+  std::size_t outputs = 0;
+  bool areOutputsKnown = true;
+};
+
+// The cells of a side belong to the groups at their places only while every group has an attribute.
+ReadCells readCells(const ProjectSession &session) {
+  ReadCells cells;
+  const bool areInputsKnown = session.hasAllAttributes(true);
+  cells.inputs.reserve(session.groupCount(true));
+  for (std::size_t group = 0; group < session.groupCount(true); ++group) {
+    cells.inputs.push_back(areInputsKnown ? session.groupAttribute(true, group) : nullptr);
+  }
+  cells.outputs = session.groupCount(false);
+  cells.areOutputsKnown = session.hasAllAttributes(false);
+  return cells;
+}
+
+MatrixTable::Row rowOf(const ProjectSession &session, const ReadCells &cells, std::size_t number) {
   OptimizationTool::OptimizationData &data = session.data();
   MatrixTable::Row row;
   row.number = number;
   row.name = session.rowName(number);
   row.state = session.rowState(number);
-  for (std::size_t group = 0; group < session.groupCount(true); ++group) {
-    const ModelAttribute *declared = session.groupAttribute(true, group);
+  row.inputs.reserve(cells.inputs.size());
+  for (std::size_t group = 0; group < cells.inputs.size(); ++group) {
+    const ModelAttribute *declared = cells.inputs[group];
     row.inputs.push_back(
         declared == nullptr ? "" : shownText(*declared, data.getVariantGroup(true, number, group)));
   }
-  for (std::size_t group = 0; group < session.groupCount(false); ++group) {
+  row.outputs.reserve(cells.outputs);
+  for (std::size_t group = 0; group < cells.outputs; ++group) {
     const EntityModel::Attribute *cell = data.getVariantGroup(false, number, group);
-    const bool isKnown = row.isOk() && cell != nullptr && cell->hasValue();
+    const bool isKnown = row.isOk() && cells.areOutputsKnown && cell != nullptr && cell->hasValue();
     row.outputs.push_back(isKnown ? std::optional<double>(cell->getStandardValue()) : std::nullopt);
   }
   row.cost = row.isOk() ? data.getVariantCost(number) : std::nullopt;
@@ -80,8 +102,10 @@ MatrixTable MatrixTable::of(const ProjectSession &session) {
   for (std::size_t group = 0; group < session.groupCount(false); ++group) {
     table.outputs.push_back(columnOf(session, false, group));
   }
+  const ReadCells cells = readCells(session);
+  table.rows.reserve(session.rowCount());
   for (std::size_t number = 0; number < session.rowCount(); ++number) {
-    table.rows.push_back(rowOf(session, number));
+    table.rows.push_back(rowOf(session, cells, number));
   }
   if (!table.rows.empty()) {
     table.baseline = table.rows.front();

@@ -57,25 +57,30 @@ std::string inOneLine(std::string text) {
   return text;
 }
 
+// A table of thousands of rows has a million cells: their lines are put together in place.
 std::string linesOf(const std::vector<TextColumn> &columns) {
   std::vector<std::size_t> widths;
+  std::size_t lineLength = 1;
   for (const TextColumn &column : columns) {
     std::size_t width = 0;
     for (const std::string &cell : column.cells) {
       width = std::max(width, widthOf(cell));
     }
     widths.push_back(width);
+    lineLength += width + 2;
   }
   std::string text;
+  text.reserve(lineLength * (columns.front().cells.size() + 1));
   for (std::size_t line = 0; line < columns.front().cells.size(); ++line) {
-    std::string row;
     for (std::size_t index = 0; index < columns.size(); ++index) {
       const std::string &cell = columns[index].cells[line];
-      const std::string padding(widths[index] - widthOf(cell), ' ');
-      row += (index == 0 ? "" : "  ") + (columns[index].isRightAligned ? padding + cell : cell + padding);
+      const std::size_t padding = widths[index] - widthOf(cell);
+      text.append(index == 0 ? 0 : 2, ' ');
+      text.append(columns[index].isRightAligned ? padding : 0, ' ').append(cell);
+      text.append(columns[index].isRightAligned ? 0 : padding, ' ');
     }
-    row.erase(row.find_last_not_of(' ') + 1);
-    text += row + "\n";
+    text.erase(text.find_last_not_of(' ') + 1);
+    text += '\n';
     if (line == 1) {
       for (std::size_t index = 0; index < columns.size(); ++index) {
         text += (index == 0 ? "" : "  ") + std::string(widths[index], '-');

@@ -2,36 +2,14 @@
 
 #include "EmbeddedHost/ModelSchema.h"
 #include "EmbeddedHost/Project.h"
-#include "HostModel/Lookup.h"
 #include "Workbench/ProjectModel.h"
+#include "Workbench/src/EntityDeclaration.h"
 
 #include <algorithm>
 
 namespace Workbench {
 
 namespace {
-
-// One entity of the study file with its attributes.
-struct EntityDeclaration {
-  std::string name;
-  std::vector<const StudyAttribute *> attributes;
-};
-
-std::vector<EntityDeclaration> entitiesOf(const StudyFile &study) {
-  std::vector<EntityDeclaration> entities;
-  for (const StudyAttribute &attribute : study.attributes) {
-    if (entities.empty() || entities.back().name != attribute.entity) {
-      entities.push_back({attribute.entity, {}});
-    }
-    entities.back().attributes.push_back(&attribute);
-  }
-  return entities;
-}
-
-// An entity's name may hold a full stop, which a type's label may not; so types are numbered.
-std::string typeLabel(std::size_t index) {
-  return "Entity " + std::to_string(index + 1);
-}
 
 EmbeddedHost::MemberKind memberKind(AttributeKind kind) {
   switch (kind) {
@@ -49,7 +27,23 @@ EmbeddedHost::MemberKind memberKind(AttributeKind kind) {
   return EmbeddedHost::MemberKind::Real;
 }
 
-// The declared unit is the standard unit too, so that no number is ever converted on its way.
+} // namespace
+
+std::vector<EntityDeclaration> entitiesOf(const StudyFile &study) {
+  std::vector<EntityDeclaration> entities;
+  for (const StudyAttribute &attribute : study.attributes) {
+    if (entities.empty() || entities.back().name != attribute.entity) {
+      entities.push_back({attribute.entity, {}});
+    }
+    entities.back().attributes.push_back(&attribute);
+  }
+  return entities;
+}
+
+std::string typeLabel(std::size_t index) {
+  return "Entity " + std::to_string(index + 1);
+}
+
 EmbeddedHost::MemberType memberOf(const StudyAttribute &attribute) {
   EmbeddedHost::MemberType member;
   member.label = attribute.name;
@@ -64,35 +58,19 @@ EmbeddedHost::MemberType memberOf(const StudyAttribute &attribute) {
   return member;
 }
 
-std::string differenceOf(const EmbeddedHost::MemberType &member, const EmbeddedHost::MemberType &declared) {
-  if (member.label != declared.label) {
-    return "is called \"" + member.label + "\" there";
+std::vector<EmbeddedHost::MemberType> membersOf(const EntityDeclaration &entity) {
+  std::vector<EmbeddedHost::MemberType> members;
+  members.reserve(entity.attributes.size());
+  for (const StudyAttribute *attribute : entity.attributes) {
+    members.push_back(memberOf(*attribute));
   }
-  if (member.kind != declared.kind) {
-    return "is of another kind there";
-  }
-  if (member.standardUnit != declared.standardUnit) {
-    return "is declared in \"" + member.standardUnit + "\" there";
-  }
-  if (member.options != declared.options) {
-    return "has other options there";
-  }
-  if (member.minimum != declared.minimum || member.maximum != declared.maximum) {
-    return "has other limits there";
-  }
-  return member.isResult != declared.isResult ? "is a result in one of the two only" : "";
+  return members;
 }
-
-} // namespace
 
 std::string declareModel(const StudyFile &study, EmbeddedHost::ModelSchema &schema) {
   const std::vector<EntityDeclaration> entities = entitiesOf(study);
   for (std::size_t index = 0; index < entities.size(); ++index) {
-    std::vector<EmbeddedHost::MemberType> members;
-    for (const StudyAttribute *attribute : entities[index].attributes) {
-      members.push_back(memberOf(*attribute));
-    }
-    const std::string problem = schema.declareType(typeLabel(index), members);
+    const std::string problem = schema.declareType(typeLabel(index), membersOf(entities[index]));
     if (!problem.empty()) {
       return "the entity \"" + entities[index].name + "\": " + problem;
     }
@@ -117,35 +95,6 @@ std::string createEntities(const StudyFile &study, EmbeddedHost::Project &projec
     if (project.createEntity(typeLabel(index), project.rootEntity(), ProjectModel::kEntityList,
                              entities[index].name) == nullptr) {
       return "the entity \"" + entities[index].name + "\" could not be created";
-    }
-  }
-  return "";
-}
-
-std::string compareModel(const StudyFile &study, const EmbeddedHost::Project &project) {
-  const std::vector<EntityDeclaration> declared = entitiesOf(study);
-  const std::vector<EntityModel::Entity *> entities = EntityModel::getLinkedEntities(
-      project.rootEntity(), EntityModel::AttributePath(ProjectModel::kEntityList));
-  if (entities.size() != declared.size()) {
-    return "the project has " + std::to_string(entities.size()) + " entities, the study file " +
-           std::to_string(declared.size());
-  }
-  for (std::size_t index = 0; index < declared.size(); ++index) {
-    const EntityDeclaration &entity = declared[index];
-    if (entities[index]->getName(true) != entity.name) {
-      return "the entity \"" + entity.name + "\" is called \"" + entities[index]->getName(true) +
-             "\" in the project";
-    }
-    const std::vector<EmbeddedHost::MemberType> &members = project.schema().declaration(typeLabel(index));
-    if (members.size() != entity.attributes.size()) {
-      return "the entity \"" + entity.name + "\" has " + std::to_string(members.size()) +
-             " attributes in the project, " + std::to_string(entity.attributes.size()) + " in the study file";
-    }
-    for (std::size_t number = 0; number < members.size(); ++number) {
-      const std::string difference = differenceOf(members[number], memberOf(*entity.attributes[number]));
-      if (!difference.empty()) {
-        return "the attribute \"" + entity.attributes[number]->fullName() + "\" " + difference;
-      }
     }
   }
   return "";

@@ -36,6 +36,24 @@ std::size_t distance(const std::string &from, const std::string &to) {
   return last[to.size()];
 }
 
+bool isEqual(char left, char right) {
+  return lowered(left) == lowered(right);
+}
+
+// Somebody leaves out the entity of "Entity.Attribute", or writes "min" for "minimum".
+bool isShortFor(const std::string &word, const std::string &candidate) {
+  constexpr std::size_t kShortest = 3;
+  const std::size_t size = word.size();
+  if (size == 0 || candidate.size() <= size) {
+    return false;
+  }
+  const std::size_t rest = candidate.size() - size;
+  const bool isEnd =
+      candidate[rest - 1] == '.' &&
+      std::equal(word.begin(), word.end(), candidate.begin() + static_cast<std::ptrdiff_t>(rest), isEqual);
+  return isEnd || (size >= kShortest && std::equal(word.begin(), word.end(), candidate.begin(), isEqual));
+}
+
 } // namespace
 
 std::string nearestWord(const std::string &word, const std::vector<std::string> &candidates) {
@@ -51,6 +69,12 @@ std::string nearestWord(const std::string &word, const std::vector<std::string> 
       best = changes;
       nearest = candidate;
     }
+  }
+  if (nearest.empty()) {
+    const auto found =
+        std::find_if(candidates.begin(), candidates.end(),
+                     [&word](const std::string &candidate) { return isShortFor(word, candidate); });
+    nearest = found == candidates.end() ? "" : *found;
   }
   return nearest;
 }

@@ -2,7 +2,9 @@
 
 #include "EmbeddedHost/SolverNumber.h"
 #include "HostModel/ChangeManager.h"
+#include "HostModel/EntityEditor.h"
 #include "HostModel/ModelVersion.h"
+#include "HostModel/TypeConstants.h"
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/OptimizationManager.h"
 
@@ -221,6 +223,15 @@ const ModelAttribute *ProjectSession::groupAttribute(bool isInput, std::size_t g
   return m_model->find(data().getGroup(isInput, static_cast<int>(group)).getFrontAttribute());
 }
 
+bool ProjectSession::hasAllAttributes(bool isInput) const {
+  for (std::size_t group = 0; group < groupCount(isInput); ++group) {
+    if (groupAttribute(isInput, group) == nullptr) {
+      return false;
+    }
+  }
+  return true;
+}
+
 std::string ProjectSession::rowName(std::size_t row) const {
   return data().getVariantName(row);
 }
@@ -368,11 +379,38 @@ std::string ProjectSession::updateAndPrice() {
 }
 
 void ProjectSession::clearUnreliableCosts() {
+  const std::string cost = hasStudy() ? data().getCostFunction() : "";
+  const bool hasAll = hasAllAttributes(true) && hasAllAttributes(false);
   for (std::size_t row = 0; row < m_states.size(); ++row) {
-    if (m_states[row].status != RowStatus::Ok) {
+    if (!hasAll || m_states[row].status != RowStatus::Ok || lacksPricedValue(row, cost)) {
       data().clearCosts(row);
     }
   }
+}
+
+bool ProjectSession::lacksPricedValue(std::size_t row, const std::string &cost) const {
+  for (const bool isInput : {true, false}) {
+    for (std::size_t group = 0; group < groupCount(isInput); ++group) {
+      const EntityModel::Attribute *cell = data().getVariantGroup(isInput, row, group);
+      if (cell != nullptr && cell->hasValue()) {
+        continue;
+      }
+      const std::string macro = data().getGroup(isInput, static_cast<int>(group)).getAttributeMacro();
+      if (cost.find("%" + macro + "%") != std::string::npos) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+void ProjectSession::setTarget(MathematicalUtilities::OptimisationStrategy target) {
+  if (target != MathematicalUtilities::OptimisationStrategy::None) {
+    data().setOptimisationTarget(target);
+    return;
+  }
+  EntityModel::EntityEditor::setValueNoThrow(
+      data().get(), EntityModel::AttributePath(EntityModel::OptimisationTarget_t), "", false, nullptr, true);
 }
 
 std::string ProjectSession::save() {

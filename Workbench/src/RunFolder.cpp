@@ -5,6 +5,7 @@
 #include "Workbench/src/RunResults.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 
 namespace Workbench {
@@ -56,6 +57,24 @@ void removeAllBut(const fs::path &folder, const std::vector<std::string> &names,
   });
 }
 
+// The files of a run's folder that the solver itself has not written.
+std::vector<std::string> notWritten(const StudySolver &solver, const std::vector<RunFile> &given) {
+  std::vector<std::string> names;
+  for (const StudyStage &stage : solver.stages) {
+    names.push_back(stage.outputLog());
+    names.push_back(stage.errorLog());
+  }
+  for (const RunFile &file : given) {
+    names.push_back(file.name);
+  }
+  return names;
+}
+
+// "1500000 bytes"
+std::string sizeText(std::uintmax_t bytes) {
+  return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+}
+
 } // namespace
 
 std::string makeRunFolder(const std::string &folder, const std::vector<RunFile> &files) {
@@ -74,6 +93,44 @@ std::string makeRunFolder(const std::string &folder, const std::vector<RunFile> 
     }
   }
   return "";
+}
+
+std::string excessOf(const std::string &folder, const StudySolver &solver,
+                     const std::vector<RunFile> &given) {
+  if (solver.fileLimit == 0 && solver.folderLimit == 0) {
+    return "";
+  }
+  const std::vector<std::string> known = notWritten(solver, given);
+  std::uintmax_t all = 0;
+  std::error_code error;
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (!fs::is_regular_file(entry->symlink_status())) {
+      continue;
+    }
+    const std::uintmax_t size = entry->file_size(error);
+    const std::string name = entry->path().lexically_relative(folder).generic_string();
+    const bool isWritten = std::find(known.begin(), known.end(), name) == known.end();
+    // Who writes on at the limit is sent a signal, or told if it does not heed that: nothing gets beyond it.
+    if (!error && solver.fileLimit > 0 && size >= solver.fileLimit && isWritten) {
+      return "output too large: " + name + " has reached the file-limit of " + sizeText(solver.fileLimit);
+    }
+    all += error ? 0 : size;
+  }
+  if (error) {
+    return "output: the size of " + folder + " cannot be found: " + EmbeddedHost::systemReason(error.value());
+  }
+  return solver.folderLimit == 0 || all <= solver.folderLimit
+             ? ""
+             : "output too large: the run's files hold " + sizeText(all) +
+                   ", more than the folder-limit of " + sizeText(solver.folderLimit);
+}
+
+std::string removeWritten(const std::string &folder, const StudySolver &solver,
+                          const std::vector<RunFile> &given) {
+  std::error_code error;
+  removeAllBut(folder, notWritten(solver, given), error);
+  return error ? folder + ": " + EmbeddedHost::systemReason(error.value()) : "";
 }
 
 std::string keepRunFolder(const std::string &folder, const StudySolver &solver, bool isOk) {

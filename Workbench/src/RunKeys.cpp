@@ -84,6 +84,12 @@ void addExtractor(const StudyExtractor &extractor, KeyHash &key) {
   }
 }
 
+// Formulas compute in declared units, so that their numbers mean something else when one is declared in another.
+void addUnit(const StudyFile &study, const std::string &attribute, KeyHash &key) {
+  const StudyAttribute *declared = study.findAttribute(attribute);
+  key.add(declared == nullptr ? std::string() : declared->unit);
+}
+
 std::string extractKey(const StudyFile &study, const std::vector<std::string> &constants) {
   KeyHash key;
   key.addAll(constants);
@@ -102,6 +108,10 @@ std::string extractKey(const StudyFile &study, const std::vector<std::string> &c
   for (const StudyFormula &formula : study.formulas) {
     key.add(formula.attribute);
     key.add(formula.text);
+    addUnit(study, formula.attribute, key);
+    for (const std::string &variable : formula.variables) {
+      addUnit(study, variable, key);
+    }
     key.add(formula.minimum);
     key.add(formula.maximum);
   }

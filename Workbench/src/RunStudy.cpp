@@ -74,7 +74,9 @@ int solveAndPrint(ProjectSession &session, const SolverSetup &setup, SolveRunner
     return ExitCode::kInternalError;
   }
   if (report.isInterrupted) {
-    console.error("Interrupted: run the same command again to go on; solved rows are kept.");
+    console.error(counts.open + counts.failed > 0
+                      ? "Interrupted: run the same command again to go on; solved rows are kept."
+                      : "Interrupted when every row was solved.");
   } else {
     printWhatNext(counts, setup.study.path, console);
   }

@@ -81,6 +81,8 @@ int solveIn(ProjectSession &session, const SolverSetup &setup, const SolveRowsOp
   if (!solving.rows.empty()) {
     ProgressPrinter progress(console);
     report = runner.solve(solving, progress);
+  } else {
+    report.problem = runner.renewRecords();
   }
   const std::string pricing = session.updateAndPrice();
   const std::string saving = session.save();

@@ -2,6 +2,8 @@
 
 #include "EmbeddedHost/SolverNumber.h"
 #include "Workbench/ModelDeclaration.h"
+#include "Workbench/src/BestCost.h"
+#include "Workbench/src/RunResults.h"
 #include "Workbench/src/VersionRun.h"
 
 #include <algorithm>
@@ -16,10 +18,12 @@ using EmbeddedHost::RunStatus;
 
 constexpr std::chrono::milliseconds kLongestWait{200};
 
-// A record of an earlier version of the program says nothing of the inputs besides what the solver was given.
+// What results depend on; the key of the inputs is for those who look without the study file.
+constexpr std::ptrdiff_t kDecidingKeys = 2;
+
 bool isCurrent(const std::vector<std::string> &recorded, const std::vector<std::string> &keys) {
-  return recorded.size() >= 2 && recorded.size() <= keys.size() &&
-         std::equal(recorded.begin(), recorded.end(), keys.begin());
+  return recorded.size() >= kDecidingKeys && recorded.size() <= keys.size() &&
+         std::equal(keys.begin(), keys.begin() + kDecidingKeys, recorded.begin());
 }
 
 // The attributes, apart from results, that formulas use.
@@ -59,10 +63,14 @@ bool isOfThisRun(const EmbeddedHost::RunRecord &record, const RunKeys &keys) {
 
 SolveObserver::~SolveObserver() = default;
 
+void SolveObserver::progressed(const SolveProgress & /*progress*/) {}
+
 SolveRunner::SolveRunner(ProjectSession &session, const StudyFile &study, const RunInputs &inputs,
                          const UnitSystem &units, const SolverPrograms &programs)
     : m_session(session), m_study(study), m_inputs(inputs), m_units(units), m_programs(programs),
       m_expressions(study) {}
+
+SolveRunner::~SolveRunner() = default;
 
 // "Entity.Attribute=value" for the current version; a number goes into `values` besides.
 std::string SolveRunner::exactText(const std::string &name, std::map<std::string, double> &values) const {
@@ -127,11 +135,48 @@ void SolveRunner::assessRow(std::size_t row, const EmbeddedHost::RunRecord &reco
     // Nothing runs while rows are assessed.
     state.reason = record.status == RunStatus::Running ? EmbeddedHost::kLostRun : record.reason;
   } else if (record.status == RunStatus::Ok) {
-    state.status = isCurrent(record.keys, planned.keys.texts()) ? RowStatus::Ok : RowStatus::Stale;
+    const std::vector<std::string> keys = planned.keys.texts();
+    state.status = isCurrent(record.keys, keys) ? RowStatus::Ok : RowStatus::Stale;
+    if (state.status == RowStatus::Ok && record.keys != keys) {
+      m_newKeys[row] = keys;
+    }
   }
 }
 
+// What the current version has, one per result of the study.
+std::vector<EmbeddedHost::ResultValue> SolveRunner::currentResults() const {
+  std::vector<EmbeddedHost::ResultValue> results;
+  for (const std::string &name : resultNames(m_study)) {
+    const ModelAttribute &declared = *m_session.model().find(name);
+    results.push_back(
+        {declared.owner, EntityModel::AttributePath(declared.name), m_session.currentValue(name)});
+  }
+  return results;
+}
+
+std::string SolveRunner::renewRecords() {
+  if (m_newKeys.empty()) {
+    return "";
+  }
+  const VersionTour tour(m_session);
+  for (const auto &[row, keys] : m_newKeys) {
+    EntityModel::ModelVersion *version = m_session.rowVersion(row);
+    if (version == nullptr || !m_session.commands().switchVersion(version)) {
+      continue;
+    }
+    EmbeddedHost::RunRecord record = m_session.project().runRecord(*version);
+    record.keys = keys;
+    std::string problem;
+    if (!m_session.project().recordRun(*version, record, currentResults(), problem)) {
+      return "the record of \"" + m_session.rowName(row) + "\" cannot be stored: " + problem;
+    }
+  }
+  m_newKeys.clear();
+  return "";
+}
+
 void SolveRunner::assess() {
+  m_newKeys.clear();
   const VersionTour tour(m_session);
   const EmbeddedHost::Project::RunRecords records = m_session.project().runRecords();
   for (std::size_t row = 0; row < m_session.rowCount(); ++row) {
@@ -156,18 +201,49 @@ SolveReport SolveRunner::solve(const SolveOptions &options, SolveObserver &obser
       rows.push_back(row);
     }
   }
-  if (rows.empty()) {
+  report.problem = renewRecords();
+  if (rows.empty() || !report.problem.empty()) {
     return report;
   }
   m_onlyExtracts = options.onlyExtracts;
   observer.begun(rows.size(), report.alreadySolved);
   {
     const VersionTour tour(m_session);
+    findBestCost(rows);
     solveBaselineFirst(rows, options.keepsGoing, observer, report);
     solveRows(rows, std::max<std::size_t>(1, options.parallel), observer, report);
   }
   observer.ended();
   return report;
+}
+
+// Of the rows that need not be solved.
+void SolveRunner::findBestCost(const std::vector<std::size_t> &rowsToSolve) {
+  m_bestCost = std::make_unique<BestCost>(m_session);
+  const std::set<std::size_t> unsolved(rowsToSolve.begin(), rowsToSolve.end());
+  for (std::size_t row = 0; row < m_session.rowCount(); ++row) {
+    EntityModel::ModelVersion *version =
+        m_session.rowState(row).status == RowStatus::Ok && unsolved.count(row) == 0
+            ? m_session.rowVersion(row)
+            : nullptr;
+    if (version != nullptr) {
+      takeCost(*version);
+    }
+  }
+}
+
+void SolveRunner::takeCost(EntityModel::ModelVersion &version) {
+  if (m_bestCost->isWanted() && m_session.commands().switchVersion(&version)) {
+    m_bestCost->takeCurrent();
+  }
+}
+
+void SolveRunner::tell(std::size_t running, SolveObserver &observer, const SolveReport &report) const {
+  SolveProgress progress;
+  progress.running = running;
+  progress.bestCost = m_bestCost->value();
+  progress.isStopping = observer.interruptions() > 0 || !report.problem.empty() || !report.givenUp.empty();
+  observer.progressed(progress);
 }
 
 void SolveRunner::solveBaselineFirst(std::vector<std::size_t> &rows, bool keepsGoing, SolveObserver &observer,
@@ -259,6 +335,9 @@ void SolveRunner::record(const VersionRun &run, SolveObserver &observer, SolveRe
     report.givenUp = std::to_string(limit) + " equal failures in a row: " + state.reason;
   }
   ++(state.status == RowStatus::Ok ? report.solved : report.failed);
+  if (state.status == RowStatus::Ok) {
+    takeCost(run.version());
+  }
   observer.finished(m_session.rowName(run.row()), state, record.durationSeconds);
 }
 
@@ -310,6 +389,7 @@ void SolveRunner::solveRows(const std::vector<std::size_t> &rows, std::size_t pa
         running.push_back(std::move(run));
       }
     }
+    tell(running.size(), observer, report);
     if (running.empty()) {
       break;
     }

@@ -91,6 +91,20 @@ std::string printed(const std::vector<std::string> &arguments, const std::string
   return problem.empty() ? text : "";
 }
 
+// Why the program cannot be run. A file of that name beside the study file is what somebody means who has forgotten
+// "./" or "chmod +x".
+std::string whyNotFound(const std::string &program, const StudyFile &study) {
+  std::error_code ignored;
+  const bool isNamedByPath = program.find('/') != std::string::npos;
+  const bool isThere = fs::is_regular_file(study.pathOf(program), ignored);
+  if (isThere && isNamedByPath) {
+    return program + " may not be executed: \"chmod +x " + program + "\" allows it";
+  }
+  return program + " is not installed or not on the PATH" +
+         (isThere ? ", did you mean \"./" + program + "\"?" : "") +
+         (study.solver.installHint.empty() ? "" : "; " + study.solver.installHint);
+}
+
 } // namespace
 
 std::optional<SolverPrograms> SolverPrograms::find(const StudyFile &study, const std::string &searchPath,
@@ -101,9 +115,8 @@ std::optional<SolverPrograms> SolverPrograms::find(const StudyFile &study, const
     std::optional<std::string> file =
         EmbeddedHost::findProgram(stage.program(), absoluteFolder(study), searchPath);
     if (!file) {
-      problems.push_back({study.path, stage.place.line, stage.place.column,
-                          stage.program() + " is not installed or not on the PATH" +
-                              (study.solver.installHint.empty() ? "" : "; " + study.solver.installHint)});
+      problems.push_back(
+          {study.path, stage.place.line, stage.place.column, whyNotFound(stage.program(), study)});
     }
     files.push_back(file.value_or(""));
   }

@@ -1,6 +1,7 @@
 #include "Workbench/src/SolverSetup.h"
 
 #include "Workbench/UnitSystem.h"
+#include "Workbench/src/MatrixSummary.h"
 
 #include <utility>
 
@@ -25,6 +26,9 @@ std::unique_ptr<SolverSetup> SolverSetup::load(const std::string &studyFile, con
     return nullptr;
   }
   printWarnings(study->warnings, console);
+  if (study->gridRows > 0) {
+    console.note("note: the grid has " + numbered(study->gridRows, "row", "rows"));
+  }
   printNotes(notes, console);
   return std::make_unique<SolverSetup>(
       SolverSetup{std::move(*study), std::move(*inputs), std::move(*programs)});

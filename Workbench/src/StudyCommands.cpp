@@ -7,11 +7,15 @@
 #include "Workbench/EditCommands.h"
 #include "Workbench/ExitCode.h"
 #include "Workbench/MatrixTable.h"
+#include "Workbench/StudyExpression.h"
 #include "Workbench/src/MatrixSummary.h"
 #include "Workbench/src/ProjectArgument.h"
 #include "Workbench/src/StudyEditing.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <ostream>
+#include <vector>
 
 namespace Workbench {
 
@@ -26,9 +30,31 @@ bool isBlank(const std::string &text) {
   return text.find_first_not_of(" \t") == std::string::npos;
 }
 
-// "2 + ^* 3": the place of an error in a text.
-std::string marked(const std::string &text, std::size_t offset) {
-  return text.substr(0, offset) + "^" + text.substr(offset);
+// " at character 5: 2 + ^* 3", where the caret stands before what is meant. A character may be several bytes.
+std::string placeIn(const std::string &text, std::size_t offset) {
+  const auto begins = [](char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+  };
+  const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(offset, text.size()));
+  const auto before = std::count_if(text.begin(), end, begins);
+  return " at character " + std::to_string(before + 1) + ": " + text.substr(0, offset) + "^" +
+         text.substr(offset);
+}
+
+// What is legal in the cost and seldom meant, each with the change that removes it.
+void warn(const ProjectSession &session, const std::string &text, const Console &console) {
+  std::vector<std::string> names;
+  for (const bool isInput : {true, false}) {
+    for (std::size_t group = 0; group < session.groupCount(isInput); ++group) {
+      names.push_back(session.data().getGroup(isInput, static_cast<int>(group)).getAttributeMacro());
+    }
+  }
+  std::vector<ExpressionNote> warnings;
+  ExpressionNote ignored; // the text has been built as a cost
+  StudyExpression::create(text, names, warnings, ignored);
+  for (const ExpressionNote &warning : warnings) {
+    console.note("warning: the cost: " + warning.message + ";" + placeIn(text, warning.offset));
+  }
 }
 
 // Why the text is no cost of this study; "" when it is one.
@@ -42,7 +68,7 @@ std::string problemOfCost(const ProjectSession &session, const std::string &text
   }
   const std::optional<std::size_t> offset = builder.getLastBuildErrorPosition();
   return "The cost cannot be built, and the old one stays: " + builder.getLastBuildError() +
-         (offset ? " at character " + std::to_string(*offset + 1) + ": " + marked(text, *offset) : "");
+         (offset ? placeIn(text, *offset) : "");
 }
 
 std::string setCost(ProjectSession &session, const std::string &text, const Console &console) {
@@ -50,6 +76,7 @@ std::string setCost(ProjectSession &session, const std::string &text, const Cons
   if (!problem.empty()) {
     return problem;
   }
+  warn(session, text, console);
   std::string unpriced;
   try {
     session.data().setCostFunction(text);
@@ -129,7 +156,7 @@ int targetCommand(const std::string &project, const std::optional<OptimisationSt
     });
   }
   return editStudy(project, console, [&](ProjectSession &session) -> std::string {
-    session.data().setOptimisationTarget(*target);
+    session.setTarget(*target);
     const std::string best = bestLine(MatrixTable::of(session));
     console.out << best << (best.empty() ? "" : "\n");
     return session.data().getOptimisationTarget() == *target ? "" : "The target could not be set";

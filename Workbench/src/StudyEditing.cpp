@@ -124,6 +124,10 @@ void takeBaselineValue(ProjectSession &session, std::size_t group) {
 
 std::optional<std::vector<std::string>> inputTexts(const ProjectSession &session, std::size_t row,
                                                    const TypedValues &values, std::string &problem) {
+  if (!session.hasAllAttributes(true)) {
+    problem = "An input has no attribute of the model any more; \"optstudy doctor\" says how to mend that";
+    return std::nullopt;
+  }
   std::vector<std::string> texts;
   for (std::size_t group = 0; group < session.groupCount(true); ++group) {
     const EntityModel::Attribute *cell = session.data().getVariantGroup(true, row, group);

@@ -24,6 +24,18 @@ std::string undefinedName(const std::string &message) {
   return message.compare(0, beginning.size(), beginning) == 0 ? message.substr(beginning.size()) : "";
 }
 
+// What to say when a name stands in the text as it is, which the language does not read as one; else "".
+std::string bareNameHint(const std::string &text, const std::vector<std::string> &names) {
+  std::string longest; // "Box.height" and not "Box.h"
+  for (const std::string &name : names) {
+    const std::size_t at = text.find(name);
+    if (at != std::string::npos && (at == 0 || text[at - 1] != '%') && name.size() > longest.size()) {
+      longest = name;
+    }
+  }
+  return longest.empty() ? "" : "; names stand between %, as in \"%" + longest + "%\"";
+}
+
 // The formula's place in the list of formulas; the number of formulas when there is none.
 std::size_t findFormula(const StudyFile &file, const std::string &attribute) {
   const auto found =
@@ -119,7 +131,8 @@ std::optional<StudyExpression> StudyFileReader::readExpression(const StudyNode &
       message += didYouMean(undefined, names);
     }
     const std::string place = " at character " + std::to_string(problem.offset + 1) + " of its text";
-    m_nodes.report(m_nodes.placeIn(node, problem.offset), message + (undefined.empty() ? place : ""));
+    m_nodes.report(m_nodes.placeIn(node, problem.offset),
+                   message + (undefined.empty() ? place + bareNameHint(text, names) : ""));
     return std::nullopt;
   }
   for (const ExpressionNote &warning : warnings) {

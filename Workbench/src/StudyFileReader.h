@@ -57,7 +57,7 @@ private:
   void checkTargets(const StudySolver &solver);
   void readEnvironment(const StudyNode &node, StudySolver &solver);
   void readRetries(const StudyNode &node, StudySolver &solver);
-  void readOutputLimit(const StudyNode &node, StudySolver &solver);
+  void readSizeLimit(const NodeReader::Map &map, const std::string &key, std::size_t &limit);
 
   // StudyFileStages.cpp
   void readStages(const NodeReader::Map &map, StudySolver &solver);

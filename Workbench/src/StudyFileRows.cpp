@@ -179,6 +179,10 @@ std::vector<StudyValue> StudyFileReader::readGridAxis(const StudyNode &node, con
     return values;
   }
   StudyGroup limits = group;
+  if (node.isScalar() && !node.isNothing()) {
+    m_nodes.report(node, "an axis of a grid is a list of values, or a map of minimum, maximum and step");
+    return values;
+  }
   if (!node.isNothing()) {
     const auto map = m_nodes.map(node, "an axis of a grid", {"minimum", "maximum", "step"});
     if (!map) {

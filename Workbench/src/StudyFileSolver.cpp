@@ -18,10 +18,10 @@ constexpr long long kMostRetries = 100;
 } // namespace
 
 void StudyFileReader::readSolver(const StudyNode &node, StudyFile &file) {
-  const auto map =
-      m_nodes.map(node, "the solver",
-                  {"install", "templates", "copies", "command", "commands", "version", "environment",
-                   "timeout", "exit-codes", "retries", "keep", "output-limit", "success", "results"});
+  const auto map = m_nodes.map(node, "the solver",
+                               {"install", "templates", "copies", "command", "commands", "version",
+                                "environment", "timeout", "exit-codes", "retries", "keep", "output-limit",
+                                "file-limit", "folder-limit", "success", "results"});
   if (!map) {
     return;
   }
@@ -58,9 +58,9 @@ void StudyFileReader::readRunSettings(const NodeReader::Map &map, StudySolver &s
   if (const StudyNode *keep = map.find("keep")) {
     solver.keep = static_cast<KeptFiles>(m_nodes.choice(*keep, "keep", kKept).value_or(0));
   }
-  if (const StudyNode *limit = map.find("output-limit")) {
-    readOutputLimit(*limit, solver);
-  }
+  readSizeLimit(map, "output-limit", solver.outputLimit);
+  readSizeLimit(map, "file-limit", solver.fileLimit);
+  readSizeLimit(map, "folder-limit", solver.folderLimit);
 }
 
 // A list of file names, or of maps with "from" and "to".
@@ -152,23 +152,24 @@ void StudyFileReader::readRetries(const StudyNode &node, StudySolver &solver) {
   }
 }
 
-void StudyFileReader::readOutputLimit(const StudyNode &node, StudySolver &solver) {
+void StudyFileReader::readSizeLimit(const NodeReader::Map &map, const std::string &key, std::size_t &limit) {
   const std::map<std::string, double> bytes{{"", 1.0},          {"B", 1.0},           {"kB", 1e3},
                                             {"MB", 1e6},        {"GB", 1e9},          {"KiB", 1024.0},
                                             {"MiB", 1048576.0}, {"GiB", 1073741824.0}};
-  const std::optional<std::string> text = m_nodes.text(node, "output-limit");
+  const StudyNode *node = map.find(key);
+  const std::optional<std::string> text = node == nullptr ? std::nullopt : m_nodes.text(*node, key);
   if (!text) {
     return;
   }
   constexpr double kLargest = 1e12;
   const std::optional<WrittenQuantity> quantity = readQuantity(*text);
   const auto unit = bytes.find(quantity ? quantity->unit : "?");
-  const double limit = unit == bytes.end() ? 0.0 : std::floor(quantity->number * unit->second);
-  if (limit < 1.0 || limit > kLargest) {
-    m_nodes.report(node, "output-limit must be a size such as 500 kB, 16 MB or 1 GiB, not \"" + *text + "\"");
+  const double size = unit == bytes.end() ? 0.0 : std::floor(quantity->number * unit->second);
+  if (size < 1.0 || size > kLargest) {
+    m_nodes.report(*node, key + " must be a size such as 500 kB, 16 MB or 1 GiB, not \"" + *text + "\"");
     return;
   }
-  solver.outputLimit = static_cast<std::size_t>(limit);
+  limit = static_cast<std::size_t>(size);
 }
 
 } // namespace Workbench

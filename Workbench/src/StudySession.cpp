@@ -5,6 +5,7 @@
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/OptimizationManager.h"
 #include "Workbench/ModelDeclaration.h"
+#include "Workbench/src/ModelChange.h"
 
 #include <exception>
 #include <filesystem>
@@ -26,8 +27,9 @@ std::unique_ptr<StudySession> StudySession::open(const StudyFile &study, const s
                                                  Keeping keeping, OpenFailure &failure) {
   const bool exists = std::filesystem::exists(std::filesystem::symlink_status(projectFile));
   std::unique_ptr<EmbeddedHost::Project> project;
+  ModelChange change;
   if (exists) {
-    project = openForWriting(projectFile, failure);
+    project = openExisting(projectFile, study, change, failure);
   } else {
     EmbeddedHost::ModelSchema schema;
     failure.problem = declareModel(study, schema);
@@ -41,7 +43,7 @@ std::unique_ptr<StudySession> StudySession::open(const StudyFile &study, const s
   }
   std::unique_ptr<StudySession> session(new StudySession(study, projectFile, std::move(project)));
   try {
-    failure.problem = exists ? session->continueExisting() : session->beginNew();
+    failure.problem = exists ? session->continueExisting(change) : session->beginNew();
     if (failure.problem.empty() && keeping == Keeping::Changes) {
       failure.problem = exists ? session->save() : session->commands().saveAs(projectFile).problem;
     }
@@ -79,13 +81,30 @@ std::string StudySession::beginNew() {
   return problem.empty() ? applyRows() : problem;
 }
 
-std::string StudySession::continueExisting() {
-  std::string problem = compareModel(m_study, project());
-  if (!problem.empty()) {
-    return "the project " + fileName() + " was made for another model: " + problem +
-           ". Give the study file another name, or move the project away";
+// The types of an open project are what they are; one whose model has changed is opened again with the changed ones.
+std::unique_ptr<EmbeddedHost::Project> StudySession::openExisting(const std::string &projectFile,
+                                                                  const StudyFile &study, ModelChange &change,
+                                                                  OpenFailure &failure) {
+  std::unique_ptr<EmbeddedHost::Project> project = openForWriting(projectFile, failure);
+  if (!project) {
+    return nullptr;
   }
-  problem = announce();
+  change = ModelChange::of(study, *project);
+  if (!change.refusal().empty()) {
+    failure.problem = "the project " + projectFile + " was made for another model: " + change.refusal();
+    return nullptr;
+  }
+  if (change.isNeeded()) {
+    project.reset();
+    project = EmbeddedHost::Project::open(
+        projectFile, [&change](EmbeddedHost::ModelSchema &schema) { return change.applyTo(schema); },
+        failure.problem);
+  }
+  return project;
+}
+
+std::string StudySession::continueExisting(const ModelChange &change) {
+  std::string problem = announce();
   if (!problem.empty()) {
     return problem;
   }
@@ -96,6 +115,11 @@ std::string StudySession::continueExisting() {
     return "the project " + fileName() +
            " holds a study of another type. Give the study file another name, or move " + "the project away";
   }
+  problem = change.createEntities(project());
+  if (!problem.empty()) {
+    return problem;
+  }
+  m_changes = change.sentences();
   readModel();
   refreshRows();
   clearUnreliableCosts();
@@ -114,7 +138,14 @@ std::string StudySession::continueExisting() {
   if (problem.empty()) {
     problem = applyCost();
   }
-  return problem.empty() ? applyRows() : problem;
+  if (problem.empty()) {
+    problem = applyRows();
+  }
+  if (change.changesLimits()) {
+    const std::vector<std::string> outside = rowsOutsideLimits(*this);
+    m_changes.insert(m_changes.end(), outside.begin(), outside.end());
+  }
+  return problem;
 }
 
 // The rule is kept in the project, so that rows are judged by it where the study file is not at hand.

@@ -30,6 +30,12 @@ std::string keyOf(const StudyValue &value, AttributeKind kind) {
   return kind == AttributeKind::Text ? "=" + value.text : EmbeddedHost::writeSolverNumber(value.number);
 }
 
+// A choice by its word, not by its number; a number with its unit.
+std::string textOf(const ModelAttribute &declared) {
+  return declared.kind == AttributeKind::Choice ? shownText(declared, declared.value)
+                                                : declared.value->getValueAsString();
+}
+
 std::string joined(const std::vector<std::string> &parts) {
   std::string text;
   for (const std::string &part : parts) {
@@ -152,11 +158,11 @@ std::string StudySession::applyGroups(bool isInput) {
 // Edits the baseline as a user does, so that the study takes the new values into row 0.
 std::string StudySession::applyBaselineValues() {
   for (const StudyAttribute &declared : m_study.attributes) {
-    const EntityModel::Attribute *attribute = attributeOf(declared.fullName());
-    if (declared.isResult || keyOf(attribute, declared.kind) == keyOf(declared.value, declared.kind)) {
+    const ModelAttribute &attribute = *model().find(declared.fullName());
+    if (declared.isResult || keyOf(attribute.value, declared.kind) == keyOf(declared.value, declared.kind)) {
       continue;
     }
-    const std::string before = attribute->getValueAsString();
+    const std::string before = textOf(attribute);
     EmbeddedHost::CommandResult edited;
     tolerateUnpriced([&] {
       edited = commands().edit(model().findEntity(declared.entity), EntityModel::AttributePath(declared.name),
@@ -165,8 +171,8 @@ std::string StudySession::applyBaselineValues() {
     if (!edited) {
       return declared.fullName() + ": " + edited.problem;
     }
-    m_changes.push_back("baseline: " + declared.fullName() + " is now " + attribute->getValueAsString() +
-                        ", it was " + before);
+    m_changes.push_back("baseline: " + declared.fullName() + " is now " + textOf(attribute) + ", it was " +
+                        before);
   }
   return "";
 }
@@ -208,7 +214,7 @@ std::string StudySession::applyCost() {
            std::to_string(m_study.costPlace.column) + ": the cost: " + error +
            (offset ? " at character " + std::to_string(*offset + 1) + " of its text" : "");
   }
-  data().setOptimisationTarget(m_study.target);
+  setTarget(m_study.target);
   if (!m_isNew && before != m_study.cost) {
     m_changes.push_back("the cost is now: " + m_study.cost);
   }

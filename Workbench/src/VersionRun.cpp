@@ -147,6 +147,7 @@ std::string VersionRun::startStage() {
   command.environment = solver().environment;
   command.timeLimit = stage.timeLimit;
   command.outputLimit = solver().outputLimit;
+  command.fileSizeLimit = solver().fileLimit;
   m_process = std::make_unique<EmbeddedHost::SolverProcess>(std::move(command), *m_supervisors);
   return m_process->start() ? "" : problemOfStage();
 }
@@ -246,13 +247,21 @@ void VersionRun::finishAttempt(std::string problem) {
   for (const StageEnd &stage : m_ended) {
     m_record.durationSeconds += stage.seconds;
   }
-  if (problem.empty()) {
+  // It may be why the solver failed, and a file that was cut short may still hold a number.
+  const std::string excess = excessOf(m_folder, solver(), m_plan.contents.files);
+  if (!excess.empty()) {
+    problem = excess + (problem.empty() ? "" : "; " + problem);
+  } else if (problem.empty()) {
     problem = read({m_folder, m_ended});
   }
   if (!problem.empty() && tryAgain(problem)) {
     return;
   }
   m_record.logTail = logTails(m_folder, solver());
+  if (!excess.empty()) {
+    const std::string left = removeWritten(m_folder, solver(), m_plan.contents.files);
+    problem += left.empty() ? "" : "; " + left;
+  }
   const std::string keepProblem = keepRunFolder(m_folder, solver(), problem.empty());
   if (problem.empty() && !keepProblem.empty()) {
     problem = "output: " + keepProblem;

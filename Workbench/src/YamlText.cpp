@@ -115,6 +115,8 @@ private:
   std::size_t m_copies = 0;
 };
 
+constexpr const char *kNoTabs = "the line is indented by a tab; YAML wants blanks there";
+
 std::string lineAt(const std::string &text, std::size_t line) {
   std::size_t begin = 0;
   for (std::size_t number = 1; number < line && begin != std::string::npos; ++number) {
@@ -145,7 +147,8 @@ std::optional<StudyNode> readYaml(const std::string &text, NodeProblem &problem)
     const FilePlace at = placeOf(error.mark);
     const std::string line = lineAt(text, at.line);
     const bool needsQuotes = line.find('%') != std::string::npos || line.find("{{") != std::string::npos;
-    problem = {at, needsQuotes ? kQuoteIt : error.msg};
+    const bool hasTab = line.find_first_not_of(" \t") > line.find('\t');
+    problem = {at, hasTab ? kNoTabs : needsQuotes ? kQuoteIt : error.msg};
   } catch (const Refused &refused) {
     problem = {refused.place(), refused.what()};
   }

@@ -66,6 +66,30 @@ TEST_F(EditCommandsTest, Cost_ThatCannotBeBuilt_LeavesTheOldOne) {
   EXPECT_EQ(csv(), m_asSolved);
 }
 
+TEST_F(EditCommandsTest, Cost_ThatIsSeldomMeant_IsTakenWithAWarning) {
+  EXPECT_EQ(costCommand(project(), "%Box.sum% - 1", m_text.console), ExitCode::kDone);
+  EXPECT_EQ(m_text.takeMessages(),
+            "warning: the cost: \"%Box.sum%\" is a double and becomes an int, the type of the right operand "
+            "\"1\". Write \"1.0\" instead of \"1\"; at character 1: ^%Box.sum% - 1\n");
+  m_text.takeOut();
+  EXPECT_EQ(csv(), "0,Base,ok,,1,10,10001,10,10000\n"
+                   "1,two,ok,,2,10,10002,20,10001\n"
+                   "2,Variant 2,ok,,3,10,10003,30,10002\n");
+}
+
+TEST_F(EditCommandsTest, Cost_ThatCannotBeBuilt_HasItsErrorAndNoWarning) {
+  EXPECT_EQ(costCommand(project(), "%Box.sum% - 1 +", m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(),
+            "The cost cannot be built, and the old one stays: Syntax error - Right hand side invalid at "
+            "character 16: %Box.sum% - 1 +^\n");
+}
+
+TEST_F(EditCommandsTest, Cost_PlaceOfAnError_CountsCharactersAndNotBytes) {
+  EXPECT_EQ(costCommand(project(), "\"\u00e4\u00f6\u00fc\" + * 3", m_text.console), ExitCode::kInvalid);
+  EXPECT_NE(m_text.takeMessages().find(" at character 9: \"\u00e4\u00f6\u00fc\" + ^* 3\n"),
+            std::string::npos);
+}
+
 TEST_F(EditCommandsTest, Cost_WithoutText_IsPrinted) {
   EXPECT_EQ(costCommand(project(), std::nullopt, m_text.console), ExitCode::kDone);
   EXPECT_EQ(m_text.takeOut(), "%Box.sum% + %Box.product%\n");

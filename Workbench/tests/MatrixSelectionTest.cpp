@@ -99,8 +99,8 @@ TEST(MatrixSelectionTest, Status_LeavesRowsOfThatStatus) {
 TEST(MatrixSelectionTest, Status_Unknown_NamesTheNearest) {
   MatrixTable shown = table();
   MatrixSelection selection;
-  selection.statuses = {"fail"};
-  EXPECT_EQ(selection.apply(shown), "there is no status \"fail\"");
+  selection.statuses = {"solved"};
+  EXPECT_EQ(selection.apply(shown), "there is no status \"solved\"");
   selection.statuses = {"faild"};
   EXPECT_EQ(selection.apply(shown), "there is no status \"faild\", did you mean \"failed\"?");
 }

@@ -13,6 +13,15 @@ TEST(NearestWordTest, OneLetterOff_IsFound) {
   EXPECT_EQ(nearestWord("setp", words), "step");
 }
 
+TEST(NearestWordTest, WordThatIsShortForACandidate_FindsIt) {
+  EXPECT_EQ(nearestWord("volume", {"Cup.wall", "Cup.volume"}), "Cup.volume");
+  EXPECT_EQ(nearestWord("min", {"maximum", "minimum"}), "minimum");
+  EXPECT_EQ(nearestWord("MAX", {"maximum", "minimum"}), "maximum");
+  EXPECT_EQ(nearestWord("st", {"stop-after"}), "");
+  EXPECT_EQ(nearestWord("olume", {"Cup.pressure-volume"}), "");
+  EXPECT_EQ(nearestWord("Cup.volume", {"volume"}), "");
+}
+
 TEST(NearestWordTest, NothingNear_GivesNothing) {
   EXPECT_EQ(nearestWord("banana", {"minimum", "step"}), "");
   EXPECT_EQ(nearestWord("", {"step"}), "");

@@ -268,6 +268,18 @@ TEST_F(RunStagesTest, MissingProgram_IsReportedWithItsPlaceAndHowToGetIt) {
                                       ":13:59: no-such-program is not installed or not on the PATH; get it");
 }
 
+TEST_F(RunStagesTest, ProgramBesideTheStudyFileThatIsNotFound_IsReportedWithWhatIsMissing) {
+  m_box.write("plain.sh", "#!/bin/sh\n");
+  m_box.edit("  command: [./solve.sh]\n",
+             "  commands: [{name: a, run: [solve.sh]}, {name: b, run: [./plain.sh]}]\n");
+  std::vector<FileProblem> problems;
+  EXPECT_FALSE(SolverPrograms::find(*m_box.study(), "/usr/bin:/bin", problems).has_value());
+  ASSERT_EQ(problems.size(), 2U);
+  EXPECT_EQ(problems[0].message,
+            "solve.sh is not installed or not on the PATH, did you mean \"./solve.sh\"?");
+  EXPECT_EQ(problems[1].message, "./plain.sh may not be executed: \"chmod +x ./plain.sh\" allows it");
+}
+
 TEST_F(RunStagesTest, Rule_MakesRowsInfeasibleThatAreNeverRun) {
   countStarts();
   m_box.edit("  target: maximise\n", "  target: maximise\n  rule: \"%Box.x% < 2.5\"\n");
@@ -327,6 +339,19 @@ TEST_F(RunStagesTest, DifferentFailures_DoNotEndTheSolve) {
   m_box.edit("  target: maximise\n", "  target: maximise\n  stop-after: 2\n");
   OpenBox box = open(m_box);
   EXPECT_EQ(solve(box).failed, 3U);
+}
+
+TEST_F(RunStagesTest, LongNumbers_AreWarnedOfWithTheUnitThatTheyAreWrittenIn) {
+  m_box.edit("    y: 10 m\n", "    y: 1.2345678901234567e-9 m\n");
+  m_box.write("in.txt.template", "{{Box.x}} {{Box.y in km}}\n");
+  m_box.writeProgram("solve.sh", "echo 'sum = 1' > result.txt; echo 'product = 1'\n");
+  OpenBox box = open(m_box);
+  const SolveReport report = solve(box);
+  ASSERT_EQ(report.warnings.size(), 1U);
+  const std::string hint = "give it a format, {{Box.y in km as %.12e}}";
+  const std::string &message = report.warnings[0].message;
+  ASSERT_GT(message.size(), hint.size());
+  EXPECT_EQ(message.substr(message.size() - hint.size()), hint);
 }
 
 TEST_F(RunStagesTest, LongNumbers_AreWarnedOfOncePerPlace) {

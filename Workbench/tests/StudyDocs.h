@@ -1,19 +1,12 @@
 #pragma once
 
+#include "Workbench/tests/PageText.h"
+
 #include <map>
 #include <string>
 #include <vector>
 
 namespace Workbench {
-
-// An example of a page: its language, what stands behind that on the same line, and its text.
-struct PageExample {
-  std::string language;
-  std::string name;
-  std::string text;
-};
-
-std::vector<PageExample> examplesOf(const std::string &page);
 
 // The study files that docs/study-file.md shows, one for each example: the first examples that are one part alone are a
 // study file together, and what an example shows takes the place of its parts of the same names.
@@ -21,8 +14,6 @@ std::vector<std::string> studiesOfThePage();
 
 // The other files that the page shows, by name.
 std::map<std::string, std::string> filesOfThePage();
-
-std::string fileText(const std::string &path);
 
 // The study files of examples/.
 std::vector<std::string> exampleStudyFiles();

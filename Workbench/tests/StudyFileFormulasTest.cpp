@@ -102,6 +102,9 @@ TEST(StudyFileFormulasTest, Mistakes_AreReportedWithTheirPlaceInTheText) {
       {"\"%Box.w% * %Box.h%\"", "\"%Box.w% * ( 2.0\"",
        "dir/s.yaml:12:29: the formula of \"Box.area\": Syntax error at character 16 of its "
        "text\ndir/s.yaml:8:5: no formula computes the result \"Box.area\"\n"},
+      {"\"%Box.w% * %Box.h%\"", "\"Box.w * 2.0\"",
+       "dir/s.yaml:12:14: the formula of \"Box.area\": Syntax error at character 1 of its text; names stand "
+       "between %, as in \"%Box.w%\"\ndir/s.yaml:8:5: no formula computes the result \"Box.area\"\n"},
       {"\"%Box.w% * %Box.h%\"", "\"%Box.volume% * %Box.h%\"",
        "dir/s.yaml:11:28: the formulas lead in a circle: \"Box.volume\" uses \"Box.area\", \"Box.area\" uses "
        "\"Box.volume\"\n"},

@@ -8,20 +8,31 @@
 #include <chrono>
 #include <cstdio>
 #include <random>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace Workbench {
 namespace {
 
 constexpr std::size_t kMutations = 2000;
 
-// The page's studies and the examples', with the JSON form of one.
-std::vector<std::pair<std::string, std::string>> seeds() {
-  std::vector<std::pair<std::string, std::string>> texts;
-  for (const std::string &text : studiesOfThePage()) {
-    texts.emplace_back("no-folder/page.study.yaml", text);
-  }
+// Files with their paths.
+using Texts = std::vector<std::pair<std::string, std::string>>;
+
+Texts examples() {
+  Texts texts;
   for (const std::string &file : exampleStudyFiles()) {
     texts.emplace_back("no-folder/example.study.yaml", fileText(file));
+  }
+  return texts;
+}
+
+// The page's studies, with the JSON form of one.
+Texts pages() {
+  Texts texts;
+  for (const std::string &text : studiesOfThePage()) {
+    texts.emplace_back("no-folder/page.study.yaml", text);
   }
   texts.emplace_back("no-folder/page.study.json",
                      R"({"version": 1, "model": {"A": {"x": "1 mm", "r": {"result": true}}},
@@ -50,22 +61,34 @@ void expectReadOrRefused(const std::string &path, const std::string &text) {
   }
 }
 
-TEST(StudyFileMutationTest, EveryPrefix_IsReadOrRefused) {
+void tryEveryPrefix(const Texts &texts) {
   std::size_t trials = 0;
-  for (const auto &[path, text] : seeds()) {
+  for (const auto &[path, text] : texts) {
     for (std::size_t length = 0; length <= text.size(); ++length) {
       expectReadOrRefused(path, text.substr(0, length));
       ++trials;
-      if (HasFatalFailure()) {
+      if (::testing::Test::HasFatalFailure()) {
         FAIL() << "length " << length;
       }
     }
   }
+  EXPECT_GT(trials, 5000U);
   std::printf("%zu prefixes, 0 violations\n", trials);
 }
 
+TEST(StudyFileMutationTest, EveryPrefixOfThePagesStudies_IsReadOrRefused) {
+  tryEveryPrefix(pages());
+}
+
+TEST(StudyFileMutationTest, EveryPrefixOfTheExamples_IsReadOrRefused) {
+  tryEveryPrefix(examples());
+}
+
 TEST(StudyFileMutationTest, RandomMutations_AreReadOrRefused) {
-  const auto texts = seeds();
+  Texts texts = pages();
+  for (auto &example : examples()) {
+    texts.push_back(std::move(example));
+  }
   const std::vector<std::string> pieces{
       "%",   "{{",          "}}",  "\"",      "'",       ":",    "- ",   "[",       "]", "{",
       "}",   ",",           "\n",  "  ",      "\t",      "#",    "&a ",  "*a",      "|", ">",

@@ -185,7 +185,9 @@ TEST(StudyFileSchemaTest, Mistakes_AreRefused) {
       {stages, "name: mesh, run", "name: me sh, run", "document/solver/commands/0/name: pattern"},
       {stages, "exit-code: 2", "exit-code: 200", "document/solver/retries/exit-code: range"},
       {stages, "keep: outputs", "keep: none", "document/solver/keep: enum"},
-      {stages, "4 MB", "4 MeB", "document/solver/output-limit: pattern"}};
+      {stages, "4 MB", "4 MeB", "document/solver/output-limit: pattern"},
+      {stages, "1 GB", "1 gigabyte", "document/solver/file-limit: pattern"},
+      {stages, "100 MB", "-100 MB", "document/solver/folder-limit: pattern"}};
   for (const auto &row : rows) {
     const std::string text = with(row.text, row.from, row.to);
     const std::string refusal = schemaRefusal(check, text);

@@ -21,6 +21,8 @@ solver:
   retries: {exit-code: 2, time-limit: 1}
   keep: outputs
   output-limit: 2 kB
+  file-limit: 3 MiB
+  folder-limit: 4000
   success: Job finished
   results:
     Beam.mass: {key: mass, stage: mesh, minimum: 1 ohm, maximum: 2 kohm}
@@ -61,10 +63,18 @@ TEST(StudyFileSolverTest, Settings_AreRead) {
   EXPECT_EQ(solver.retries, (std::array<int, kFailureReasons>{2, 0, 1, 0, 0, 0}));
   EXPECT_EQ(solver.keep, KeptFiles::Outputs);
   EXPECT_EQ(solver.outputLimit, 2000U);
+  EXPECT_EQ(solver.fileLimit, 3145728U);
+  EXPECT_EQ(solver.folderLimit, 4000U);
   ASSERT_TRUE(solver.success.has_value());
   EXPECT_EQ(solver.success->pattern.pattern(), "Job finished");
   EXPECT_EQ(solver.success->source, ResultSource::StandardOutput);
   EXPECT_EQ(solver.success->stage, 1U);
+}
+
+TEST(StudyFileSolverTest, Limits_LeftOut_AreNone) {
+  const StudySolver solver = studyIn(with(kText, "  file-limit: 3 MiB\n  folder-limit: 4000\n", "")).solver;
+  EXPECT_EQ(solver.fileLimit, 0U);
+  EXPECT_EQ(solver.folderLimit, 0U);
 }
 
 TEST(StudyFileSolverTest, Results_KnowTheirStage) {
@@ -189,51 +199,55 @@ TEST(StudyFileSolverTest, Mistakes_AreReportedWithTheirPlace) {
        "dir/s.yaml:16:17: output-limit must be a size such as 500 kB, 16 MB or 1 GiB, not \"2 km\"\n"},
       {"2 kB", "0",
        "dir/s.yaml:16:17: output-limit must be a size such as 500 kB, 16 MB or 1 GiB, not \"0\"\n"},
-      {"success: Job finished", "success: {file: log}", "dir/s.yaml:17:12: success needs a pattern\n"},
+      {"3 MiB", "none",
+       "dir/s.yaml:17:15: file-limit must be a size such as 500 kB, 16 MB or 1 GiB, not \"none\"\n"},
+      {"limit: 4000", "limit: -1",
+       "dir/s.yaml:18:17: folder-limit must be a size such as 500 kB, 16 MB or 1 GiB, not \"-1\"\n"},
+      {"success: Job finished", "success: {file: log}", "dir/s.yaml:19:12: success needs a pattern\n"},
       {"success: Job finished", "success: {pattern: done, stage: slove}",
-       "dir/s.yaml:17:35: no command is called \"slove\", did you mean \"solve\"?\n"},
+       "dir/s.yaml:19:35: no command is called \"slove\", did you mean \"solve\"?\n"},
       {mass, "{}",
        missing +
-           "dir/s.yaml:19:16: the result \"Beam.mass\" needs one of pattern, key, column, pointer, columns, "
+           "dir/s.yaml:21:16: the result \"Beam.mass\" needs one of pattern, key, column, pointer, columns, "
            "whole, exit-code or wall-time\n"},
       {mass, "{key: mass, pattern: '(x)'}",
        missing +
-           "dir/s.yaml:19:16: the result \"Beam.mass\" is found in one way, not by pattern and by key\n"},
+           "dir/s.yaml:21:16: the result \"Beam.mass\" is found in one way, not by pattern and by key\n"},
       {mass, "{key: mass, delimiter: tab}",
-       "dir/s.yaml:19:39: the result \"Beam.mass\": \"delimiter\" does not go with \"key\"\n"},
+       "dir/s.yaml:21:39: the result \"Beam.mass\": \"delimiter\" does not go with \"key\"\n"},
       {mass, "{keys: mass}",
        missing +
-           "dir/s.yaml:19:16: the result \"Beam.mass\" needs one of pattern, key, column, pointer, columns, "
+           "dir/s.yaml:21:16: the result \"Beam.mass\" needs one of pattern, key, column, pointer, columns, "
            "whole, exit-code or wall-time\n"
-           "dir/s.yaml:19:17: the result \"Beam.mass\" has no key \"keys\", did you mean \"key\"?\n"},
+           "dir/s.yaml:21:17: the result \"Beam.mass\" has no key \"keys\", did you mean \"key\"?\n"},
       {mass, "{key: mass, reduce: maximum}",
-       missing + "dir/s.yaml:19:36: reduce must be single, first, last, min, max, sum, mean or count, not "
+       missing + "dir/s.yaml:21:36: reduce must be single, first, last, min, max, sum, mean or count, not "
                  "\"maximum\"\n"},
       {mass, "{key: mass, stage: mseh}",
-       "dir/s.yaml:19:35: no command is called \"mseh\", did you mean \"mesh\"?\n"},
+       "dir/s.yaml:21:35: no command is called \"mseh\", did you mean \"mesh\"?\n"},
       {mass, "{key: mass, file: a, stage: mesh}",
-       "dir/s.yaml:19:44: the result \"Beam.mass\": a file belongs to the whole run and not to a stage\n"},
-      {mass, "{key: mass, minimum: 2, maximum: 1}", "dir/s.yaml:19:49: the maximum is below the minimum\n"},
-      {mass, "{column: 0}", missing + "dir/s.yaml:19:25: column counts from 1\n"},
+       "dir/s.yaml:21:44: the result \"Beam.mass\": a file belongs to the whole run and not to a stage\n"},
+      {mass, "{key: mass, minimum: 2, maximum: 1}", "dir/s.yaml:21:49: the maximum is below the minimum\n"},
+      {mass, "{column: 0}", missing + "dir/s.yaml:21:25: column counts from 1\n"},
       {mass, "{column: a, delimiter: ab}",
-       missing + "dir/s.yaml:19:39: delimiter must be one character, tab or blank, not \"ab\"\n"},
+       missing + "dir/s.yaml:21:39: delimiter must be one character, tab or blank, not \"ab\"\n"},
       {mass, "{column: a, where: {column: t}}",
-       missing + "dir/s.yaml:19:35: where needs \"column\", and either \"equals\" or \"nearest\"\n"},
+       missing + "dir/s.yaml:21:35: where needs \"column\", and either \"equals\" or \"nearest\"\n"},
       {mass, "{column: a, where: {column: t, nearest: b}}",
-       missing + "dir/s.yaml:19:56: nearest must be a number, not \"b\"\n"},
+       missing + "dir/s.yaml:21:56: nearest must be a number, not \"b\"\n"},
       {mass, "{columns: [1, 2]}",
        missing +
-           "dir/s.yaml:19:26: columns need either \"line\", a line's number, or \"lines\", a pattern\n"},
+           "dir/s.yaml:21:26: columns need either \"line\", a line's number, or \"lines\", a pattern\n"},
       {mass, "{columns: [5, 2], line: 1}",
-       missing + "dir/s.yaml:19:26: columns count from 1, and the last one is not before the first\n"},
+       missing + "dir/s.yaml:21:26: columns count from 1, and the last one is not before the first\n"},
       {mass, "{columns: 5, line: 1}",
-       missing + "dir/s.yaml:19:26: columns are two numbers, the first and the last column of the number, "
+       missing + "dir/s.yaml:21:26: columns are two numbers, the first and the last column of the number, "
                  "[13, 24]\n"},
       {mass, "{pointer: a/b}",
-       missing + "dir/s.yaml:19:26: \"a/b\" is no JSON pointer, such as /results/0/mass\n"},
-      {mass, "{whole: false}", missing + "dir/s.yaml:19:24: whole can only be true\n"},
+       missing + "dir/s.yaml:21:26: \"a/b\" is no JSON pointer, such as /results/0/mass\n"},
+      {mass, "{whole: false}", missing + "dir/s.yaml:21:24: whole can only be true\n"},
       {mass, "{wall-time: true}",
-       "dir/s.yaml:19:5: \"s\" cannot be converted to \"ohm\", in which \"Beam.mass\" is declared\n"},
+       "dir/s.yaml:21:5: \"s\" cannot be converted to \"ohm\", in which \"Beam.mass\" is declared\n"},
   };
   for (const auto &row : rows) {
     EXPECT_EQ(problemsWith(row.from, row.to), row.problem) << row.to;

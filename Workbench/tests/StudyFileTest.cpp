@@ -285,7 +285,8 @@ TEST(StudyFileTest, Mistakes_AreReportedWithTheirPlace) {
        "you mean "
        "\"bridge\"?\n"},
       {"kind: integer", "kind: int",
-       "dir/s.yaml:7:20: kind must be real, integer, boolean, choice or text, not \"int\"\n"},
+       "dir/s.yaml:7:20: kind must be real, integer, boolean, choice or text, not \"int\", did you mean "
+       "\"integer\"?\n"},
       {"kind: text, value: \"100% {{new}}\"", "kind: text",
        "dir/s.yaml:10:11: the attribute \"Filter.Note\" needs a value\n"},
       {"\"100% {{new}}\"", "{{new}}", "dir/s.yaml:10:31: a text with % or {{ must be put in quotes\n"},
@@ -411,6 +412,9 @@ TEST(StudyFileTest, Grid_Mistakes_AreReported) {
       {"    grid: {Q: [1]}\n", "dir/s.yaml:34:12: there is no input \"Q\", did you mean \"R\"?\n"},
       {"    grid: {R: [1], Filter.R1: [2]}\n",
        "dir/s.yaml:34:20: the input \"Filter.R1\" is in the grid twice\n"},
+      {"    grid: {R: 1 kohm .. 3 kohm}\n",
+       "dir/s.yaml:34:15: an axis of a grid is a list of values, or a map of "
+       "minimum, maximum and step\n"},
       {"    grid: {R: []}\n", "dir/s.yaml:34:15: an axis of a grid needs at least one value\n"},
       {"    grid: {Filter.C1: }\n",
        "dir/s.yaml:34:23: the input \"Filter.C1\" needs minimum, maximum and step to be an axis of a grid\n"},
@@ -433,6 +437,8 @@ TEST(StudyFileTest, Document_ThatIsNone_IsReported) {
   EXPECT_EQ(problemsOf("version: 1\n---\nversion: 1\n"),
             "dir/s.yaml:1:1: the file holds more than one document\n");
   EXPECT_EQ(problemsOf("a: b: c\n"), "dir/s.yaml:1:5: illegal map value\n");
+  EXPECT_EQ(problemsOf("a:\n  b: 1\n \tc: 2\n"),
+            "dir/s.yaml:3:2: the line is indented by a tab; YAML wants blanks there\n");
   EXPECT_EQ(problemsOf("version: 1\ntitle: \"\xff\"\n"), "dir/s.yaml:2:9: the file is not UTF-8 text\n");
   EXPECT_EQ(problemsOf(std::string("version: 1\n\0", 12)), "dir/s.yaml:2:1: the file is not UTF-8 text\n");
 }

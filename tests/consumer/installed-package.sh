@@ -41,6 +41,8 @@ cmake --build "$place/build" >"$place/build.log" 2>&1 || { cat "$place/build.log
 expect_output "$place/build/consumer"
 if [ -x "$build_dir/bin/optstudy" ]; then
   "$place/second/bin/optstudy" --help >/dev/null || fail "the installed command does not run in the moved prefix"
+  (cd "$place" && second/bin/optstudy init demo && second/bin/optstudy run demo/beam.study.yaml) >"$place/run.log" 2>&1 \
+    || { cat "$place/run.log"; fail "the installed command does not write and run an example"; }
 fi
 
 "$place/second/share/optstudy/uninstall"

@@ -1,7 +1,8 @@
-# Runs PROGRAM on TEXT with ARGUMENTS (joined by "|") and compares the exit code and everything that it has printed:
+# Runs PROGRAM's command "eval" on TEXT with ARGUMENTS (joined by "|") and compares the exit code and everything that it
+# has printed:
 # EXPECTED on standard output, or as error after WARNED on standard error.
 string(REPLACE "|" ";" arguments "${ARGUMENTS}")
-execute_process(COMMAND ${PROGRAM} ${TEXT} ${arguments}
+execute_process(COMMAND ${PROGRAM} eval ${TEXT} ${arguments}
                 RESULT_VARIABLE code OUTPUT_VARIABLE printed ERROR_VARIABLE complained)
 if(CODE EQUAL 0)
   set(output "${EXPECTED}|")

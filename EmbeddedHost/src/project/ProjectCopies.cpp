@@ -25,7 +25,7 @@ void copyRuns(Database &from, ProjectWriter &to) {
 void writeModel(const Project::Parts &parts, Database &database, TextTable &texts) {
   ProjectWriter writer(database, texts);
   writer.writeAll(parts.model);
-  if (parts.file != nullptr) {
+  if (!parts.keepsRuns()) {
     copyRuns(parts.file->database(), writer);
   }
   for (const auto &[number, record] : parts.runs) {
@@ -158,6 +158,7 @@ bool Project::saveAs(const std::string &file, std::string &problem) {
   }
   own.attach(std::move(created));
   own.isReadOnly = false;
+  own.isSchemaUnsaved = false;
   own.runs.clear();
   own.model.forgetUnsaved();
   return true;

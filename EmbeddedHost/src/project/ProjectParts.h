@@ -20,6 +20,10 @@ struct Project::Parts {
   void attach(std::unique_ptr<ProjectFile> opened);
   /// Removes the folders of versions that were destroyed, after that was saved.
   void removeDestroyedFolders();
+  /// Whether `runs` says what is known of runs, and not the file.
+  bool keepsRuns() const { return file == nullptr || isReadOnly; }
+  /// The runs that are in the file now. One that cannot be read is as good as none.
+  std::unordered_map<std::int64_t, RunRecord> readRuns(Database &database) const;
 
   Model model;
   EditorService editor;
@@ -30,7 +34,10 @@ struct Project::Parts {
   std::unique_ptr<ProjectFile> file; ///< null until the project is saved
   std::string filePath;              ///< "" until then
   bool isReadOnly = false;
-  /// Runs of versions of a project without file, by the number of the version.
+  /// The types differ from those in the file.
+  bool isSchemaUnsaved = false;
+  /// Runs by the number of the version, of a project without file or of one that is only read: as they were when its
+  /// values were read, because a run that another program records later would be one of other values.
   std::unordered_map<std::int64_t, RunRecord> runs;
   /// Versions whose runs were begun or recorded here, and not by a program that has ended since.
   std::unordered_set<std::int64_t> begunRuns;

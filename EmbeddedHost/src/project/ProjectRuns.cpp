@@ -64,6 +64,17 @@ bool hasEntity(Database &database, std::int64_t number) {
   }
 }
 
+// A record that cannot be read is as good as none: the version is solved again.
+RunRecord readRunOf(Database &database, std::int64_t version) {
+  try {
+    Statement row = database.prepare(std::string("SELECT ") + kRunColumns + " FROM run WHERE version = ?");
+    row.bind(1, version);
+    return row.step() ? readRun(row, 0) : RunRecord();
+  } catch (const DatabaseError &) {
+    return {};
+  }
+}
+
 // Only one program writes at a time, so a run that this one did not begin has nobody left to finish it.
 RunRecord asSeenHere(const Project::Parts &own, std::int64_t version, RunRecord record) {
   if (record.status == RunStatus::Running && !own.isReadOnly && own.begunRuns.count(version) == 0) {
@@ -79,6 +90,9 @@ std::string whyNotStored(const Project::Parts &own, const Version *version) {
   }
   if (own.file != nullptr && own.isReadOnly) {
     return "The project " + own.filePath + " was opened for reading only.";
+  }
+  if (own.isSchemaUnsaved) {
+    return "The project " + own.filePath + " has to be saved with its changed types before it is solved.";
   }
   if (own.file != nullptr && !version->isInFile) {
     return "The version \"" + version->getLabel() + "\" has to be saved before it is solved.";
@@ -165,55 +179,46 @@ bool putRun(Project::Parts &own, Version *version, const RunRecord &record,
 
 } // namespace
 
+std::unordered_map<std::int64_t, RunRecord> Project::Parts::readRuns(Database &database) const {
+  std::unordered_map<std::int64_t, RunRecord> records;
+  try {
+    Statement row = database.prepare(std::string("SELECT version, ") + kRunColumns + " FROM run");
+    while (row.step()) {
+      records.emplace(row.integer(0), readRun(row, 1));
+    }
+  } catch (const DatabaseError &) {
+    // What cannot be read with all others may be readable by itself.
+    records.clear();
+    for (const auto &[number, version] : model.tree().versions()) {
+      RunRecord record = readRunOf(database, number);
+      if (record.status != RunStatus::None) {
+        records.emplace(number, std::move(record));
+      }
+    }
+  }
+  return records;
+}
+
 RunRecord Project::runRecord(const EntityModel::ModelVersion &version) const {
   const Parts &own = *m_parts;
   const Version *known = own.model.tree().own(&version);
   if (known == nullptr) {
     return {};
   }
-  if (own.file == nullptr) {
+  if (own.keepsRuns()) {
     const auto found = own.runs.find(known->number());
     return found == own.runs.end() ? RunRecord() : found->second;
   }
-  try {
-    Statement row =
-        own.file->database().prepare(std::string("SELECT ") + kRunColumns + " FROM run WHERE version = ?");
-    row.bind(1, known->number());
-    return row.step() ? asSeenHere(own, known->number(), readRun(row, 0)) : RunRecord();
-  } catch (const DatabaseError &) {
-    // A record that cannot be read is as good as none: the version is solved again.
-    return {};
-  }
+  return asSeenHere(own, known->number(), readRunOf(own.file->database(), known->number()));
 }
 
 Project::RunRecords Project::runRecords() const {
   const Parts &own = *m_parts;
   const auto &versions = own.model.tree().versions();
   RunRecords records;
-  if (own.file == nullptr) {
-    for (const auto &[number, record] : own.runs) {
-      if (const auto version = versions.find(number); version != versions.end()) {
-        records.emplace(version->second.get(), record);
-      }
-    }
-    return records;
-  }
-  try {
-    Statement row = own.file->database().prepare(std::string("SELECT version, ") + kRunColumns + " FROM run");
-    while (row.step()) {
-      const std::int64_t number = row.integer(0);
-      if (const auto version = versions.find(number); version != versions.end()) {
-        records.emplace(version->second.get(), asSeenHere(own, number, readRun(row, 1)));
-      }
-    }
-  } catch (const DatabaseError &) {
-    // What cannot be read with all others may be readable by itself.
-    records.clear();
-    for (const auto &[number, version] : versions) {
-      RunRecord record = runRecord(*version);
-      if (record.status != RunStatus::None) {
-        records.emplace(version.get(), std::move(record));
-      }
+  for (auto &[number, record] : own.keepsRuns() ? own.runs : own.readRuns(own.file->database())) {
+    if (const auto version = versions.find(number); version != versions.end()) {
+      records.emplace(version->second.get(), asSeenHere(own, number, record));
     }
   }
   return records;

@@ -2,6 +2,7 @@
 #include "EmbeddedHost/src/project/ProjectParts.h"
 #include "EmbeddedHost/src/project/ProjectReader.h"
 #include "EmbeddedHost/src/project/ProjectWriter.h"
+#include "EmbeddedHost/src/project/UnitChange.h"
 
 #include <filesystem>
 #include <utility>
@@ -78,25 +79,51 @@ bool hasChanges(ProjectFile &file, const Model &model) {
 
 std::unique_ptr<Project> Project::open(const std::string &file, OpenMode mode, std::string &problem,
                                        const HostBehaviour &behaviour) {
+  return openWith(file, mode, {}, problem, behaviour);
+}
+
+std::unique_ptr<Project> Project::open(const std::string &file, const SchemaChange &change,
+                                       std::string &problem, const HostBehaviour &behaviour) {
+  return openWith(file, OpenMode::ReadWrite, change, problem, behaviour);
+}
+
+std::unique_ptr<Project> Project::openWith(const std::string &file, OpenMode mode, const SchemaChange &change,
+                                           std::string &problem, const HostBehaviour &behaviour) {
   problem.clear();
   std::unique_ptr<ProjectFile> opened = ProjectFile::open(file, mode, problem);
   if (opened == nullptr) {
     return nullptr;
   }
   try {
-    auto parts = std::make_unique<Parts>(readSchema(opened->database()), behaviour);
+    const ModelSchema saved = readSchema(opened->database());
+    ModelSchema schema = saved;
+    problem = change ? change(schema) : "";
+    if (!problem.empty()) {
+      return nullptr;
+    }
+    auto parts = std::make_unique<Parts>(schema, behaviour);
     readModel(opened->database(), parts->model);
-    opened->endReading();
     parts->isReadOnly = mode == OpenMode::ReadOnly;
+    if (parts->isReadOnly) {
+      parts->runs = parts->readRuns(opened->database());
+    }
+    opened->endReading();
     if (!parts->isReadOnly) {
       removeLeftFolders(*opened);
       std::string ignored; // what stays is tried again at the next opening
       removeUnfinishedCopies(opened->path(), ignored);
     }
     parts->attach(std::move(opened));
+    if (change) {
+      convertChangedUnits(saved, parts->model);
+      parts->isSchemaUnsaved = true;
+      parts->model.needsSave = true;
+    }
     return std::unique_ptr<Project>(new Project(std::move(parts)));
   } catch (const DamagedProject &damage) {
-    problem = "The project " + file + " is damaged: it holds " + damage.what() + ".";
+    problem = "The project " + file +
+              (change ? " does not fit the changed types: it holds " : " is damaged: it holds ") +
+              damage.what() + ".";
   } catch (const DatabaseError &error) {
     problem = "The project " + file + " cannot be read: " + error.what() + ".";
   }
@@ -141,14 +168,19 @@ bool Project::save(std::string &problem) {
   if (!own.stores.syncCopies(problem)) {
     return false;
   }
-  const bool isSaved =
-      !hasChanges(*own.file, own.model) || own.file->change(
-                                               [&own](Database &database, TextTable &texts) {
-                                                 forgetRemovedFolders(database, own.filePath);
-                                                 ProjectWriter(database, texts).writeChanges(own.model);
-                                               },
-                                               problem);
+  const bool isChanged = own.isSchemaUnsaved || hasChanges(*own.file, own.model);
+  const bool isSaved = !isChanged || own.file->change(
+                                         [&own](Database &database, TextTable &texts) {
+                                           forgetRemovedFolders(database, own.filePath);
+                                           ProjectWriter writer(database, texts);
+                                           if (own.isSchemaUnsaved) {
+                                             writer.replaceSchema(own.model.schema());
+                                           }
+                                           writer.writeChanges(own.model);
+                                         },
+                                         problem);
   if (isSaved) {
+    own.isSchemaUnsaved = false;
     own.removeDestroyedFolders();
     own.model.forgetUnsaved();
   }

@@ -82,6 +82,11 @@ void ProjectWriter::putSchema(const ModelSchema &schema) {
   }
 }
 
+void ProjectWriter::replaceSchema(const ModelSchema &schema) {
+  m_database.execute("DELETE FROM member; DELETE FROM type");
+  putSchema(schema);
+}
+
 void ProjectWriter::putEntity(const ModelEntity &entity) {
   m_putEntity.bind(1, entity.number())
       .bindText(2, entity.type().label())

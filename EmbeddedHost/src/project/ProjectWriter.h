@@ -17,8 +17,10 @@ public:
   void writeAll(const Model &model);
   /// Whether anything has changed since the last save.
   bool hasChanges(const Model &model);
-  /// What has changed since the last save.
+  /// What has changed since the last save, apart from the types.
   void writeChanges(const Model &model);
+  /// The types, in the place of those that are there.
+  void replaceSchema(const ModelSchema &schema);
   void putRun(std::int64_t version, const RunRecord &record);
   /// \param version  its number, or kProjectLevel
   void putValue(std::int64_t version, const Slot &slot, const Value &value);

@@ -168,7 +168,8 @@ std::optional<std::string> TemplateFile::render(const TemplateValueSource &value
                            placeholder.name() + ": " + *written + " has " + std::to_string(written->size()) +
                                " characters, and some solvers leave out what follows the first " +
                                std::to_string(kLongestNumber) + "; give it a format, {{" +
-                               placeholder.name() + " as %.12e}}"});
+                               placeholder.name() +
+                               (placeholder.unit.empty() ? "" : " in " + placeholder.unit) + " as %.12e}}"});
     }
     text += *written;
     text += m_literals[index + 1];

@@ -10,7 +10,8 @@ namespace fs = std::filesystem;
 
 ExampleTable::ExampleTable(const std::string &name) : m_name(name) {
   for (const fs::directory_entry &entry : fs::directory_iterator(fs::path(OPTSTUDY_EXAMPLES) / name)) {
-    if (entry.is_regular_file()) {
+    // Somebody may have run the example where it is.
+    if (entry.is_regular_file() && entry.path().extension() != ".optstudy") {
       fs::copy_file(entry.path(), m_folder.path() / entry.path().filename());
     }
   }

@@ -115,18 +115,34 @@ TEST_F(RunCommandTest, Matrix_IsPrintedAsATable) {
                            "4 rows: 4 ok. Kept in box.optstudy\n");
 }
 
-TEST_F(RunCommandTest, Messages_HaveOneLineForEachRow) {
-  const CommandResult result = run({"-j", "1"});
+TEST_F(RunCommandTest, VerboseMessages_HaveOneLineForEachRow) {
+  const CommandResult result = run({"-j", "1", "-v"});
   const Lines lines = linesOf(result.messages);
-  ASSERT_EQ(lines.size(), 8U) << result.messages;
-  EXPECT_EQ(lines[0], "note: 1 of 4 variants equal the baseline or another variant and are left out");
-  EXPECT_EQ(lines[1], "Created box.optstudy with 4 rows");
-  EXPECT_EQ(lines[2], "Solving 4 rows");
-  EXPECT_EQ(lines[3].rfind("[1/4] Base: ok, ", 0), 0U) << lines[3];
-  EXPECT_EQ(lines[6].rfind("[4/4] Variant 3: ok, ", 0), 0U) << lines[6];
-  EXPECT_EQ(lines[7],
+  ASSERT_GE(lines.size(), 10U) << result.messages;
+  EXPECT_EQ(lines[0], "note: the grid has 4 rows");
+  EXPECT_EQ(lines[1], "note: 1 of 4 variants equal the baseline or another variant and are left out");
+  EXPECT_EQ(lines[2], "Created box.optstudy with 4 rows");
+  EXPECT_EQ(lines[3], "Solving 4 rows");
+  EXPECT_EQ(lines[4].rfind("[1/4] Base: ok, ", 0), 0U) << lines[4];
+  EXPECT_NE(result.messages.find("[4/4] Variant 3: ok, "), std::string::npos) << result.messages;
+  EXPECT_EQ(lines[lines.size() - 2].rfind("4/4, ", 0), 0U) << result.messages;
+  EXPECT_EQ(lines.back(),
             "Next: change the variants or the cost in box.study.yaml and run the same command again; "
             "only what is new is solved.");
+}
+
+TEST_F(RunCommandTest, Progress_EndsWithTheBestCostOfTheMatrix) {
+  writeSolver("if [ $x = 4 ]; then exit 3; fi");
+  const CommandResult result = run();
+  EXPECT_NE(result.messages.find("\n4/4, 1 failed (1 exit code), "), std::string::npos) << result.messages;
+  EXPECT_NE(result.messages.find(", best 43\n"), std::string::npos) << result.messages;
+  EXPECT_NE(result.output.find("* Best: row 2, Variant 2, cost 43"), std::string::npos) << result.output;
+}
+
+TEST_F(RunCommandTest, Progress_KnowsTheBestCostOfRowsThatWereSolvedBefore) {
+  run();
+  writeStudy("x + y", "[1, 2, 3, 4, 0]");
+  EXPECT_NE(run().messages.find(", best 54\n"), std::string::npos);
 }
 
 TEST_F(RunCommandTest, SecondRun_StartsNoSolver) {
@@ -416,7 +432,7 @@ TEST_F(RunCommandTest, Usage_IsChecked) {
 TEST_F(RunCommandTest, Help_ShowsAnExampleAndExitCodes) {
   const CommandResult help = runCommand(m_folder, {"--help"});
   EXPECT_EQ(help.exitCode, 0);
-  EXPECT_NE(help.output.find("optstudy run examples/filter/filter.study.yaml"), std::string::npos);
+  EXPECT_NE(help.output.find("optstudy run demo/beam.study.yaml"), std::string::npos);
   const CommandResult runHelp = runCommand(m_folder, {"run", "--help"});
   EXPECT_EQ(runHelp.exitCode, 0);
   EXPECT_NE(runHelp.output.find("Exit codes: 0 all is well"), std::string::npos);
