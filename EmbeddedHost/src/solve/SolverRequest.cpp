@@ -80,7 +80,8 @@ FileDescriptor makeSolverRequest(const SolverCommand &command, std::string &prob
   }
   FileDescriptor file(::memfd_create("solver request", MFD_CLOEXEC));
   if (!file.isOpen() || !writeAll(file.get(), content)) {
-    problem = "a file in memory: " + systemReason(errno);
+    const std::string reason = systemReason(errno);
+    problem = absolute(command.workingFolder) + ": the run cannot be described to its supervisor: " + reason;
     return FileDescriptor();
   }
   return file;
