@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -46,6 +47,8 @@ public:
   /// The value in the other unit; NaN when they cannot be converted. A value in its own unit comes back
   /// bit for bit.
   virtual double convert(double value, const Unit &from, const Unit &to) = 0;
+  /// The value in the unit that a text names; empty when parse() refuses the text or the two cannot be converted.
+  virtual std::optional<double> convertTo(double value, const Unit &from, std::string_view to) = 0;
 
 protected:
   UnitSystem() = default;

@@ -43,6 +43,20 @@ TEST(UnitSystemTest, Convert_KnownUnits) {
   }
 }
 
+TEST(UnitSystemTest, ConvertTo_GivesWhatConvertGives) {
+  const Unit &from = unit("degC");
+  for (const char *to : {"K", "degF", "K", "K", " K ", "degC"}) {
+    EXPECT_EQ(UnitSystem::process().convertTo(21.3, from, to), converted(21.3, "degC", to)) << to;
+  }
+}
+
+TEST(UnitSystemTest, ConvertTo_WhatIsNoUnitOrAnotherQuantity_GivesNothing) {
+  for (const char *to : {"m", "m", "K", "no unit", "", "m"}) {
+    EXPECT_EQ(UnitSystem::process().convertTo(1.0, unit("degC"), to).has_value(), std::string(to) == "K")
+        << to;
+  }
+}
+
 TEST(UnitSystemTest, Parse_SpellingsOfEngineers_MeanWhatTheyMean) {
   const struct {
     const char *written;

@@ -51,6 +51,17 @@ std::string studyText(const std::string &solver, std::size_t rows) {
          last + ", step: 1}}}\n";
 }
 
+// Those that were solved before stay where they are: ext4 without a journal looks for a while at every file that was
+// just removed before it makes a new one, which would make every row slower the more files the last study had.
+std::string unusedFolder(const std::string &folder) {
+  for (std::size_t number = 1;; ++number) {
+    std::string unused = folder + "/study" + std::to_string(number);
+    if (!std::filesystem::exists(unused)) {
+      return unused;
+    }
+  }
+}
+
 void expectNone(const std::vector<FileProblem> &problems) {
   if (!problems.empty()) {
     throw std::runtime_error(problems.front().toText());
@@ -60,10 +71,10 @@ void expectNone(const std::vector<FileProblem> &problems) {
 } // namespace
 
 SolvedStudy::SolvedStudy(const std::string &folder, const std::string &solver, std::size_t rows)
-    : m_file(folder + "/study/box.study.yaml"), m_solver(solver), m_rows(rows) {
-  std::filesystem::remove_all(folder + "/study");
-  std::filesystem::create_directory(folder + "/study");
-  std::ofstream(folder + "/study/in.txt.template") << "{{Box.x}}\n";
+    : m_file(unusedFolder(folder) + "/box.study.yaml"), m_solver(solver), m_rows(rows) {
+  const std::filesystem::path own = std::filesystem::path(m_file).parent_path();
+  std::filesystem::create_directory(own);
+  std::ofstream(own / "in.txt.template") << "{{Box.x}}\n";
   std::ofstream(m_file) << studyText(solver, rows);
 }
 

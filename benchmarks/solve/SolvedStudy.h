@@ -5,7 +5,7 @@
 
 namespace SolveBenchmark {
 
-/// A study in a folder of its own, whose rows are all to be solved. There is one at a time.
+/// A study in a folder of its own, whose rows are all to be solved.
 class SolvedStudy {
 public:
   /// \param folder  where its folder is made

@@ -82,25 +82,42 @@ double loadStudy(StudyProject &study, std::size_t times) {
   return seconds / static_cast<double>(times);
 }
 
+constexpr std::size_t kPerProject = 3;
+
+// Medians of the floor and of the study, in a project that is made for them.
+std::vector<double> loadProject(std::size_t rows, std::size_t repetitions) {
+  StudyProject study;
+  study.addAlternates(rows - 1);
+  const Floor floor(study);
+  const std::size_t times = std::max<std::size_t>(1, 10'000 / rows);
+  return measureOneByOne({[&] { return floor.load(times); },
+                          [&] {
+                            return loadStudy(study, times);
+                          }},
+                         repetitions);
+}
+
 } // namespace
 
 void measureLoading(const Setting &setting, BarList &bars) {
   std::vector<std::size_t> counts = setting.rows;
   counts.push_back(setting.mostRows);
+  // All sizes several times over: how fast memory is changes from minute to minute, and growth is to show none of that.
+  std::vector<std::vector<double>> floorsOf(counts.size());
+  std::vector<std::vector<double>> loadsOf(counts.size());
+  for (std::size_t repetition = 0; repetition < setting.longRepetitions; repetition += kPerProject) {
+    for (std::size_t at = 0; at < counts.size(); ++at) {
+      const std::vector<double> seconds =
+          loadProject(counts[at], std::min(kPerProject, setting.longRepetitions));
+      floorsOf[at].push_back(seconds[0]);
+      loadsOf[at].push_back(seconds[1]);
+    }
+  }
   std::vector<double> floors;
   std::vector<double> loads;
-  for (const std::size_t rows : counts) {
-    StudyProject study;
-    study.addAlternates(rows - 1);
-    const Floor floor(study);
-    const std::size_t times = std::max<std::size_t>(1, 10'000 / rows);
-    const std::vector<double> seconds = measureOneByOne({[&] { return floor.load(times); },
-                                                         [&] {
-                                                           return loadStudy(study, times);
-                                                         }},
-                                                        setting.longRepetitions);
-    floors.push_back(seconds[0]);
-    loads.push_back(seconds[1]);
+  for (std::size_t at = 0; at < counts.size(); ++at) {
+    floors.push_back(median(floorsOf[at]));
+    loads.push_back(median(loadsOf[at]));
   }
 
   std::cout << "\n3  Loading a study of " << kInputs << " input and " << kOutputs << " output groups\n";

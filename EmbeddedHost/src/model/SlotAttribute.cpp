@@ -91,11 +91,8 @@ double SlotHolder::valueInUnits(const std::string &units) const {
   if (units == real->unit->text()) {
     return real->number;
   }
-  const UnitResult wanted = UnitSystem::process().parse(units);
-  if (wanted.unit == nullptr || !UnitSystem::process().areConvertible(*wanted.unit, *real->unit)) {
-    return standardValue();
-  }
-  return UnitSystem::process().convert(real->number, *real->unit, *wanted.unit);
+  const std::optional<double> number = UnitSystem::process().convertTo(real->number, *real->unit, units);
+  return number ? *number : standardValue();
 }
 
 bool SlotHolder::isNumber() const {

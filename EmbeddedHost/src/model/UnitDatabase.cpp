@@ -44,14 +44,14 @@ private:
 
 } // namespace
 
+// A way to another unit. Stays as it is once it is known, and may be used by several threads.
+struct UnitDatabase::Conversion {
+  const Unit *to = nullptr;
+  std::unique_ptr<cv_converter, FreeConverter> converter;
+};
+
 class UnitDatabase::ParsedUnit final : public Unit {
 public:
-  // A way to another unit. Stays as it is once it is known, and may be used by several threads.
-  struct Conversion {
-    const Unit *to = nullptr;
-    std::unique_ptr<cv_converter, FreeConverter> converter;
-  };
-
   ParsedUnit(std::string text, ut_unit *unit) : m_text(std::move(text)), m_unit(unit) {}
   ~ParsedUnit() override = default;
 
@@ -71,18 +71,18 @@ public:
   // Destroyed from the last to the first: what was made from the system goes before it.
   std::unique_ptr<ut_system, FreeSystem> system;
   std::vector<std::unique_ptr<ParsedUnit>> units;
-  std::map<std::pair<const Unit *, const Unit *>, ParsedUnit::Conversion> conversions;
+  std::map<std::pair<const Unit *, const Unit *>, Conversion> conversions;
   std::string problem;
 
   /// Without a converter when the two cannot be converted.
-  const ParsedUnit::Conversion &conversion(const ParsedUnit &from, const Unit &to) {
+  const Conversion &conversion(const ParsedUnit &from, const Unit &to) {
     const auto known = conversions.find({&from, &to});
     if (known != conversions.end()) {
       return known->second;
     }
     ut_unit *source = from.handle();
     ut_unit *target = static_cast<const ParsedUnit &>(to).handle();
-    ParsedUnit::Conversion made;
+    Conversion made;
     made.to = &to;
     made.converter.reset(ut_are_convertible(source, target) == 0 ? nullptr
                                                                  : ut_get_converter(source, target));
@@ -139,26 +139,44 @@ UnitResult UnitDatabase::parse(std::string_view text) {
 }
 
 bool UnitDatabase::areConvertible(const Unit &from, const Unit &to) {
-  return &from == &to || converter(from, to) != nullptr;
+  return &from == &to || conversion(static_cast<const ParsedUnit &>(from), to).converter != nullptr;
 }
 
 double UnitDatabase::convert(double value, const Unit &from, const Unit &to) {
   if (&from == &to) {
     return value;
   }
-  const cv_converter *way = converter(from, to);
-  return way == nullptr ? std::numeric_limits<double>::quiet_NaN() : cv_convert_double(way, value);
+  const Conversion &way = conversion(static_cast<const ParsedUnit &>(from), to);
+  return way.converter == nullptr ? std::numeric_limits<double>::quiet_NaN()
+                                  : cv_convert_double(way.converter.get(), value);
 }
 
-const cv_converter *UnitDatabase::converter(const Unit &from, const Unit &to) {
+std::optional<double> UnitDatabase::convertTo(double value, const Unit &from, std::string_view to) {
   const auto &source = static_cast<const ParsedUnit &>(from);
-  const ParsedUnit::Conversion *conversion = source.last().load(std::memory_order_acquire);
-  if (conversion == nullptr || conversion->to != &to) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    conversion = &m_handles->conversion(source, to);
-    source.last().store(conversion, std::memory_order_release);
+  // A column of quantities asks for the same unit again and again.
+  const Conversion *way = source.last().load(std::memory_order_acquire);
+  if (way == nullptr || way->to->text() != to) {
+    const UnitResult target = parse(to);
+    if (target.unit == nullptr) {
+      return std::nullopt;
+    }
+    if (target.unit == &from) {
+      return value;
+    }
+    way = &conversion(source, *target.unit);
   }
-  return conversion->converter.get();
+  return way->converter == nullptr ? std::nullopt
+                                   : std::optional<double>(cv_convert_double(way->converter.get(), value));
+}
+
+const UnitDatabase::Conversion &UnitDatabase::conversion(const ParsedUnit &from, const Unit &to) {
+  const Conversion *known = from.last().load(std::memory_order_acquire);
+  if (known == nullptr || known->to != &to) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    known = &m_handles->conversion(from, to);
+    from.last().store(known, std::memory_order_release);
+  }
+  return *known;
 }
 
 } // namespace EmbeddedHost

@@ -6,11 +6,11 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
-
-union cv_converter;
 
 namespace EmbeddedHost {
 
@@ -24,14 +24,16 @@ public:
   UnitResult parse(std::string_view text) override;
   bool areConvertible(const Unit &from, const Unit &to) override;
   double convert(double value, const Unit &from, const Unit &to) override;
+  std::optional<double> convertTo(double value, const Unit &from, std::string_view to) override;
 
 private:
+  struct Conversion;
   class ParsedUnit;
   class Handles;
   using Results = std::unordered_map<std::string, UnitResult>;
 
-  /// May be used by several threads; null when the two cannot be converted.
-  const cv_converter *converter(const Unit &from, const Unit &to);
+  /// The conversion may be used by several threads; it has no converter when the two cannot be converted.
+  const Conversion &conversion(const ParsedUnit &from, const Unit &to);
 
   std::mutex m_mutex;
   std::unique_ptr<Handles> m_handles;
