@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Workbench/Console.h"
+#include "Workbench/OutputFormat.h"
 
 #include <string>
 #include <vector>
@@ -18,6 +19,6 @@ struct EvalOptions {
 int evalCommand(const EvalOptions &options, const Console &console);
 
 /// Prints the operators and functions of the cost language, each with the types that it takes and gives.
-int functionsCommand(const Console &console);
+int functionsCommand(OutputFormat format, const Console &console);
 
 } // namespace Workbench

@@ -2,15 +2,13 @@
 
 #include "Workbench/Console.h"
 #include "Workbench/MatrixSelection.h"
+#include "Workbench/OutputFormat.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
 namespace Workbench {
-
-/// How a command prints what it found.
-enum class OutputFormat { Table, Csv, Json };
 
 struct ShowOptions {
   std::string project; ///< a project, or the study file that it belongs to

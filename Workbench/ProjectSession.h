@@ -129,7 +129,12 @@ protected:
 
 private:
   void makeStudyCurrent();
-  bool lacksPricedValue(std::size_t row, const std::string &cost) const;
+  struct PricedGroup {
+    bool isInput = true;
+    std::size_t index = 0;
+  };
+  std::vector<PricedGroup> pricedGroups() const;
+  bool lacksValue(std::size_t row, const std::vector<PricedGroup> &groups) const;
   void buildRule();
 
   std::string m_fileName;

@@ -35,6 +35,7 @@ public:
 
   /// The attributes that the text uses, each once.
   const std::vector<std::string> &variables() const { return m_variables; }
+  const std::string &text() const { return m_text; }
   /// Whether it is true or false, and no number.
   bool isTruth() const { return m_isTruth; }
 
@@ -47,10 +48,23 @@ private:
 
   StudyExpression();
 
+  std::string m_text;
   std::unique_ptr<Compiled> m_compiled;
   std::vector<std::string> m_variables;
   bool m_isTruth = false;
 };
+
+/// What to write instead where a text does not build: the nearest of the names for one that is not known, or the signs
+/// that a name stands between. It is put behind the message; "" when there is nothing to say.
+std::string expressionHint(const std::string &text, const ExpressionNote &problem,
+                           const std::vector<std::string> &names);
+
+/// The name in a problem that says that it is not known; "" for any other problem.
+std::string undefinedName(const ExpressionNote &problem);
+
+/// Why a row with these inputs must not be run: the rule is not met, or cannot be computed. "" when it is met or there
+/// is none.
+std::string infeasibility(const std::optional<StudyExpression> &rule, const AttributeValues &inputs);
 
 struct StudyFile;
 

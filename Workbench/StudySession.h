@@ -60,7 +60,7 @@ private:
   bool removeOldGroups(bool isInput);
   std::string applyGroups(bool isInput);
   std::string applyBaselineValues();
-  std::string applyLimits();
+  void applyLimits();
   std::string applyCost();
   std::string applyRows();
   std::string addRow(const StudyRow &row);

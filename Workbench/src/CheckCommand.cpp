@@ -9,6 +9,7 @@
 #include "Workbench/StudySession.h"
 #include "Workbench/UnitSystem.h"
 #include "Workbench/src/MatrixSummary.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/SolverSetup.h"
 
 #include <algorithm>
@@ -69,14 +70,6 @@ void printDifferences(const std::string &name, const std::string &baseline, cons
   }
 }
 
-std::string joined(const std::vector<std::string> &words) {
-  std::string text;
-  for (const std::string &word : words) {
-    text.append(text.empty() ? "" : " ").append(word);
-  }
-  return text;
-}
-
 void printCost(const StudyFile &study, std::ostream &out) {
   if (study.cost.empty()) {
     return;
@@ -127,7 +120,7 @@ bool checkRendering(StudySession &session, const SolverSetup &setup, const Conso
                        console.out);
     }
     for (std::size_t stage = 0; stage < baseline->commands.size(); ++stage) {
-      printDifferences("command", joined(baseline->commands[stage]), joined(first->commands[stage]),
+      printDifferences("command", joinedWords(baseline->commands[stage]), joinedWords(first->commands[stage]),
                        console.out);
     }
   }
@@ -226,7 +219,7 @@ int checkCommand(const CheckOptions &options, const Console &console) {
   }
   const int code = options.runs ? runBaseline(*session, *setup, console) : ExitCode::kDone;
   if (code == ExitCode::kDone) {
-    console.note("Next: optstudy run " + options.studyFile);
+    console.note("Next: optstudy run " + shellWord(options.studyFile));
   }
   return code;
 }

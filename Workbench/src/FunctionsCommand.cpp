@@ -3,6 +3,8 @@
 #include "ExpressionBuilder/ValueType.h"
 #include "Workbench/ExitCode.h"
 #include "Workbench/LanguageCommands.h"
+#include "Workbench/src/CsvText.h"
+#include "Workbench/src/JsonText.h"
 
 #include <algorithm>
 #include <array>
@@ -185,6 +187,15 @@ void print(const std::string &title, const std::vector<Entry> &entries, std::ost
   }
 }
 
+std::vector<Entry> operatorEntries(const BuilderBase &builder) {
+  std::vector<Entry> entries;
+  entries.reserve(kOperators.size());
+  for (const Operator &known : kOperators) {
+    entries.push_back({known.form, typesOf(builder, known.form), known.meaning});
+  }
+  return entries;
+}
+
 std::vector<Entry> functionEntries(const BuilderBase &builder) {
   std::vector<Entry> entries;
   for (const std::string &name : builder.functionNames()) {
@@ -196,24 +207,57 @@ std::vector<Entry> functionEntries(const BuilderBase &builder) {
   return entries;
 }
 
+void printForPeople(const std::vector<Entry> &operators, const std::vector<Entry> &functions,
+                    std::ostream &out) {
+  print("Operators, tighter binding first. The right operand decides the type: write %x% * 2.0, not %x% * 2.",
+        operators, out);
+  out << "\n";
+  print("Functions. Arguments are not converted, and all have one type: write sqrt(2.0), not sqrt(2).",
+        functions, out);
+  out << "\nA variable of a cost is %Entity.Attribute%, a double in the declared unit. 2.0 is a double, 2 an "
+         "int, \"text\"\na string; pi and e are constants.\n";
+}
+
+std::string csvText(const std::vector<Entry> &operators, const std::vector<Entry> &functions) {
+  std::string text;
+  appendCsvLine(text, {"kind", "form", "types", "meaning"});
+  for (const Entry &entry : operators) {
+    appendCsvLine(text, {"operator", entry.form, entry.types, entry.meaning});
+  }
+  for (const Entry &entry : functions) {
+    appendCsvLine(text, {"function", entry.form, entry.types, entry.meaning});
+  }
+  return text;
+}
+
+Json entriesNode(const std::vector<Entry> &entries) {
+  Json nodes = Json::array();
+  for (const Entry &entry : entries) {
+    nodes.push_back({{"form", entry.form}, {"types", entry.types}, {"meaning", entry.meaning}});
+  }
+  return nodes;
+}
+
 } // namespace
 
-int functionsCommand(const Console &console) {
+int functionsCommand(OutputFormat format, const Console &console) {
   BuilderBase builder;
   declareTypes(builder);
-  std::vector<Entry> operators;
-  operators.reserve(kOperators.size());
-  for (const Operator &known : kOperators) {
-    operators.push_back({known.form, typesOf(builder, known.form), known.meaning});
+  const std::vector<Entry> operators = operatorEntries(builder);
+  const std::vector<Entry> functions = functionEntries(builder);
+  switch (format) {
+  case OutputFormat::Csv:
+    console.out << csvText(operators, functions);
+    break;
+  case OutputFormat::Json:
+    console.out << jsonText({{"version", kJsonVersion},
+                             {"operators", entriesNode(operators)},
+                             {"functions", entriesNode(functions)}});
+    break;
+  case OutputFormat::Table:
+    printForPeople(operators, functions, console.out);
+    break;
   }
-  print("Operators, tighter binding first. The right operand decides the type: write %x% * 2.0, not %x% * 2.",
-        operators, console.out);
-  console.out << "\n";
-  print("Functions. Arguments are not converted, and all have one type: write sqrt(2.0), not sqrt(2).",
-        functionEntries(builder), console.out);
-  console.out
-      << "\nA variable of a cost is %Entity.Attribute%, a double in the declared unit. 2.0 is a double, 2 an "
-         "int, \"text\"\na string; pi and e are constants.\n";
   return ExitCode::kDone;
 }
 

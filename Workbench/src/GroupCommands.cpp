@@ -2,7 +2,7 @@
 #include "OptimizationTool/OptimizationManager.h"
 #include "Workbench/EditCommands.h"
 #include "Workbench/ExitCode.h"
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/src/ProjectArgument.h"
 #include "Workbench/src/StudyEditing.h"
 

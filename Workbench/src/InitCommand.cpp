@@ -3,8 +3,9 @@
 #include "EmbeddedHost/RunFiles.h"
 #include "EmbeddedHost/SystemReason.h"
 #include "Workbench/ExitCode.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/src/Examples.h"
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/src/PlainText.h"
 
 #include <filesystem>
 #include <ostream>
@@ -146,7 +147,7 @@ int initCommand(const std::string &folder, const std::string &example, const Con
   for (const ExampleFile &file : files) {
     console.out << (fs::path(folder) / file.name).string() << "\n";
   }
-  console.note("Next: optstudy check " + studyFile);
+  console.note("Next: optstudy check " + shellWord(studyFile));
   return ExitCode::kDone;
 }
 

@@ -5,10 +5,10 @@
 #include "Workbench/ExitCode.h"
 #include "Workbench/MatrixTable.h"
 #include "Workbench/ProjectSession.h"
+#include "Workbench/src/JsonText.h"
 #include "Workbench/src/MatrixSummary.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/ProjectArgument.h"
-
-#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <ostream>
@@ -20,7 +20,6 @@ namespace {
 using EmbeddedHost::OpenMode;
 using EntityModel::ModelVersion;
 using MathematicalUtilities::OptimisationStrategy;
-using Json = nlohmann::ordered_json;
 
 const char *targetWord(OptimisationStrategy target) {
   switch (target) {
@@ -31,10 +30,6 @@ const char *targetWord(OptimisationStrategy target) {
   default:
     return "none";
   }
-}
-
-std::string jsonText(const Json &document) {
-  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 void printTable(const MatrixTable &table, OutputFormat format, Differences differences,
@@ -96,7 +91,8 @@ Json statusNode(const ProjectSession &session, const RowCounts &counts, const st
   for (const auto &[reason, count] : counts.reasons) {
     reasons[reason] = count;
   }
-  return {{"project", session.fileName()},
+  return {{"version", kJsonVersion},
+          {"project", session.fileName()},
           {"title", session.title()},
           {"rows", counts.rows},
           {"ok", counts.ok},
@@ -142,16 +138,6 @@ std::string roleOf(const ModelVersion &version) {
   return "";
 }
 
-// A label may hold anything; the tree has a line for each version.
-std::string inOneLine(std::string label) {
-  for (char &character : label) {
-    if (static_cast<unsigned char>(character) < 0x20 || character == '\x7f') {
-      character = '?';
-    }
-  }
-  return label;
-}
-
 // Not by recursion: a history may be long.
 void printTree(const ModelVersion *root, const ModelVersion *current, std::ostream &out) {
   struct Place {
@@ -171,24 +157,16 @@ void printTree(const ModelVersion *root, const ModelVersion *current, std::ostre
   }
 }
 
-std::string joined(const std::vector<std::string> &words) {
-  std::string text;
-  for (const std::string &word : words) {
-    text.append(text.empty() ? "" : " ").append(word);
-  }
-  return text;
-}
-
 int printLog(const ProjectSession &session, std::size_t row, const Console &console) {
   const ModelVersion *version = session.rowVersion(row);
   const EmbeddedHost::RunRecord record =
       version == nullptr ? EmbeddedHost::RunRecord() : session.project().runRecord(*version);
-  console.out << "row " << row << ", " << session.rowName(row) << ": " << statusText(session.rowState(row))
-              << "\n";
+  console.out << "row " << row << ", " << inOneLine(session.rowName(row)) << ": "
+              << inOneLine(statusText(session.rowState(row))) << "\n";
   if (record.status == EmbeddedHost::RunStatus::None) {
     return ExitCode::kDone;
   }
-  console.out << "command:   " << joined(record.command) << "\n"
+  console.out << "command:   " << joinedWords(record.command) << "\n"
               << "duration:  " << shortNumber(record.durationSeconds) << " s\n";
   if (record.exitCode) {
     console.out << "exit code: " << *record.exitCode << "\n";

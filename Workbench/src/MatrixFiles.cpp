@@ -1,16 +1,13 @@
 #include "EmbeddedHost/SolverNumber.h"
 #include "Workbench/MatrixTable.h"
 #include "Workbench/src/CsvText.h"
-
-#include <nlohmann/json.hpp>
+#include "Workbench/src/JsonText.h"
 
 #include <cmath>
 
 namespace Workbench {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string numberText(const std::optional<double> &value) {
   return value ? EmbeddedHost::writeSolverNumber(*value) : "";
@@ -88,6 +85,7 @@ std::string MatrixTable::toCsv() const {
 
 std::string MatrixTable::toJson() const {
   Json document;
+  document["version"] = kJsonVersion;
   document["title"] = title;
   document["inputs"] = columnsNode(inputs);
   document["outputs"] = columnsNode(outputs);
@@ -96,7 +94,7 @@ std::string MatrixTable::toJson() const {
   for (const Row &row : rows) {
     document["rows"].push_back(rowNode(row, hasCost));
   }
-  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return jsonText(document);
 }
 
 } // namespace Workbench

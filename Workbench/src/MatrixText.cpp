@@ -1,5 +1,6 @@
 #include "EmbeddedHost/SolverNumber.h"
 #include "Workbench/MatrixTable.h"
+#include "Workbench/src/PlainText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,15 +47,6 @@ std::size_t widthOf(const std::string &text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char character) {
     return (static_cast<unsigned char>(character) & 0xC0U) != 0x80U;
   }));
-}
-
-// A text value must not break the table's lines.
-std::string inOneLine(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char character) { return static_cast<unsigned char>(character) < 0x20 || character == '\x7f'; },
-      '?');
-  return text;
 }
 
 // A table of thousands of rows has a million cells: their lines are put together in place.

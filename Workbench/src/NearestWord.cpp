@@ -1,4 +1,4 @@
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
 
 #include <algorithm>
 #include <cstddef>

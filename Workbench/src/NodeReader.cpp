@@ -1,7 +1,7 @@
 #include "Workbench/src/NodeReader.h"
 
 #include "EmbeddedHost/SolverNumber.h"
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,7 @@
 #include "Workbench/ProgressPrinter.h"
 
 #include "EmbeddedHost/SolverNumber.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/ProgressText.h"
 
 #include <algorithm>
@@ -21,15 +22,6 @@ constexpr std::size_t kUsualWidth = 80;
 
 double steadySeconds() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-// A name may hold anything, and is to leave the terminal as it is.
-std::string inOneLine(std::string name) {
-  for (char &character : name) {
-    const auto code = static_cast<unsigned char>(character);
-    character = code < 0x20 || code == 0x7f ? '?' : character;
-  }
-  return name;
 }
 
 } // namespace

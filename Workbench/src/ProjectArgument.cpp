@@ -2,7 +2,8 @@
 
 #include "EmbeddedHost/SolverNumber.h"
 #include "Workbench/ExitCode.h"
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
+#include "Workbench/src/PlainText.h"
 
 #include <array>
 #include <filesystem>
@@ -48,7 +49,8 @@ int withProject(const std::string &argument, EmbeddedHost::OpenMode mode, const 
   const std::string file = projectNamed(argument);
   std::error_code ignored;
   if (file != argument && !std::filesystem::exists(file, ignored)) {
-    console.error("There is no project " + file + " yet: \"optstudy run " + argument + "\" makes it.");
+    console.error("There is no project " + file + " yet: \"optstudy run " + shellWord(argument) +
+                  "\" makes it.");
     return ExitCode::kInvalid;
   }
   OpenFailure failure;
@@ -64,8 +66,8 @@ int withStudy(const std::string &argument, EmbeddedHost::OpenMode mode, const Co
               const std::function<int(ProjectSession &)> &action) {
   return withProject(argument, mode, console, [&](ProjectSession &session) {
     if (!session.hasStudy()) {
-      console.error("The project " + session.fileName() + " has no study: \"optstudy begin " + argument +
-                    "\" begins one.");
+      console.error("The project " + session.fileName() + " has no study: \"optstudy begin " +
+                    shellWord(argument) + "\" begins one.");
       return ExitCode::kInvalid;
     }
     return action(session);

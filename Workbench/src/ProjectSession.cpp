@@ -187,15 +187,7 @@ void ProjectSession::buildRule() {
 }
 
 std::string ProjectSession::infeasibility(const AttributeValues &inputs) const {
-  if (!m_rule) {
-    return "";
-  }
-  std::string problem;
-  const std::optional<double> value = m_rule->evaluate(inputs, problem);
-  if (!value) {
-    return "rule: " + problem;
-  }
-  return *value != 0.0 ? "" : "rule: " + rule();
+  return Workbench::infeasibility(m_rule, inputs);
 }
 
 std::string ProjectSession::title() const {
@@ -277,11 +269,9 @@ std::optional<double> ProjectSession::currentValue(const std::string &fullName) 
 }
 
 std::string ProjectSession::inputsKey() const {
-  QCryptographicHash hash(QCryptographicHash::Sha256);
-  const auto add = [&hash](const std::string &text) {
-    const std::string length = std::to_string(text.size()) + ":";
-    hash.addData(length.data(), static_cast<int>(length.size()));
-    hash.addData(text.data(), static_cast<int>(text.size()));
+  std::string all;
+  const auto add = [&all](const std::string &text) {
+    all.append(std::to_string(text.size())).append(":").append(text);
   };
   for (const ModelAttribute &attribute : m_model->attributes()) {
     if (!attribute.isResult) {
@@ -289,6 +279,8 @@ std::string ProjectSession::inputsKey() const {
       add(shownText(attribute, attribute.value));
     }
   }
+  QCryptographicHash hash(QCryptographicHash::Sha256);
+  hash.addData(all.data(), static_cast<int>(all.size()));
   return "inputs-1:" + hash.result().toHex().toStdString();
 }
 
@@ -379,29 +371,35 @@ std::string ProjectSession::updateAndPrice() {
 }
 
 void ProjectSession::clearUnreliableCosts() {
-  const std::string cost = hasStudy() ? data().getCostFunction() : "";
   const bool hasAll = hasAllAttributes(true) && hasAllAttributes(false);
+  const std::vector<PricedGroup> priced = pricedGroups();
   for (std::size_t row = 0; row < m_states.size(); ++row) {
-    if (!hasAll || m_states[row].status != RowStatus::Ok || lacksPricedValue(row, cost)) {
+    if (!hasAll || m_states[row].status != RowStatus::Ok || lacksValue(row, priced)) {
       data().clearCosts(row);
     }
   }
 }
 
-bool ProjectSession::lacksPricedValue(std::size_t row, const std::string &cost) const {
+// Those that the cost names.
+std::vector<ProjectSession::PricedGroup> ProjectSession::pricedGroups() const {
+  std::vector<PricedGroup> groups;
+  const std::string cost = hasStudy() ? data().getCostFunction() : "";
   for (const bool isInput : {true, false}) {
     for (std::size_t group = 0; group < groupCount(isInput); ++group) {
-      const EntityModel::Attribute *cell = data().getVariantGroup(isInput, row, group);
-      if (cell != nullptr && cell->hasValue()) {
-        continue;
-      }
       const std::string macro = data().getGroup(isInput, static_cast<int>(group)).getAttributeMacro();
       if (cost.find("%" + macro + "%") != std::string::npos) {
-        return true;
+        groups.push_back({isInput, group});
       }
     }
   }
-  return false;
+  return groups;
+}
+
+bool ProjectSession::lacksValue(std::size_t row, const std::vector<PricedGroup> &groups) const {
+  return std::any_of(groups.begin(), groups.end(), [this, row](const PricedGroup &group) {
+    const EntityModel::Attribute *cell = data().getVariantGroup(group.isInput, row, group.index);
+    return cell == nullptr || !cell->hasValue();
+  });
 }
 
 void ProjectSession::setTarget(MathematicalUtilities::OptimisationStrategy target) {

@@ -3,8 +3,8 @@
 #include "EmbeddedHost/CsvText.h"
 #include "EmbeddedHost/SolverNumber.h"
 #include "OptimizationTool/OptimizationData.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/UnitSystem.h"
-#include "Workbench/src/NearestWord.h"
 #include "Workbench/src/StudyEditing.h"
 
 #include <nlohmann/json.hpp>

@@ -1,8 +1,8 @@
 #include "Workbench/RunInputs.h"
 
 #include "EmbeddedHost/RunFiles.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/UnitSystem.h"
-#include "Workbench/src/NearestWord.h"
 
 #include <set>
 #include <utility>

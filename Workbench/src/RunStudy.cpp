@@ -9,6 +9,7 @@
 #include "Workbench/StudySession.h"
 #include "Workbench/UnitSystem.h"
 #include "Workbench/src/MatrixSummary.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/SolverSetup.h"
 
 #include <ostream>
@@ -26,9 +27,14 @@ RowCounts printMatrix(const ProjectSession &session, std::ostream &out) {
   return counts;
 }
 
-void printWhatNext(const RowCounts &counts, const std::string &studyFile, const Console &console) {
-  if (counts.failed > 0 || counts.open > 0) {
-    console.note("Next: mend what failed and run the same command again; solved rows are kept.");
+void printWhatNext(const RowCounts &counts, const ProjectSession &session, const std::string &studyFile,
+                   const Console &console) {
+  if (counts.failed > 0) {
+    console.note("Next: \"optstudy log " + shellWord(session.fileName()) +
+                 " ROW\" shows what a row printed; mend what failed and run the same command again; "
+                 "solved rows are kept.");
+  } else if (counts.open > 0) {
+    console.note("Next: run the same command again; solved rows are kept.");
   } else {
     console.note("Next: change the variants or the cost in " + studyFile +
                  " and run the same command again; only what is new is solved.");
@@ -78,7 +84,7 @@ int solveAndPrint(ProjectSession &session, const SolverSetup &setup, SolveRunner
                       ? "Interrupted: run the same command again to go on; solved rows are kept."
                       : "Interrupted when every row was solved.");
   } else {
-    printWhatNext(counts, setup.study.path, console);
+    printWhatNext(counts, session, setup.study.path, console);
   }
   return pricing.empty() ? exitCodeOf(counts, report, allowed) : ExitCode::kInvalid;
 }
@@ -101,7 +107,8 @@ int printPlan(const ProjectSession &session, const RunOptions &options, const Co
       ++solved;
     }
     if (state.status != RowStatus::Ok && state.status != RowStatus::Infeasible) {
-      console.out << "row " << row << ", " << session.rowName(row) << ": " << statusText(state) << "\n";
+      console.out << "row " << row << ", " << inOneLine(session.rowName(row)) << ": "
+                  << inOneLine(statusText(state)) << "\n";
       ++toRun;
     }
   }
@@ -115,12 +122,17 @@ int printPlan(const ProjectSession &session, const RunOptions &options, const Co
   return ExitCode::kDone;
 }
 
-bool isConfirmed(const Console &console, const std::string &question, const std::string &what) {
+// \return kDone when the person agrees
+int confirm(const Console &console, const std::string &question, const std::string &what) {
   if (console.confirm && console.confirm(question)) {
-    return true;
+    return ExitCode::kDone;
+  }
+  if (console.interruptions && console.interruptions() > 0) {
+    console.error("Interrupted: nothing was changed.");
+    return ExitCode::kInterrupted;
   }
   console.error(what + " asks first, and nobody has said yes; --yes says it.");
-  return false;
+  return ExitCode::kUsage;
 }
 
 std::vector<std::size_t> rowsOutsideTheStudyFile(const ProjectSession &session) {
@@ -133,32 +145,34 @@ std::vector<std::size_t> rowsOutsideTheStudyFile(const ProjectSession &session) 
   return rows;
 }
 
-// From the last row on, so that the numbers of the others stay what they are. \return false when nobody agreed
-bool prune(ProjectSession &session, const Console &console) {
+// From the last row on, so that the numbers of the others stay what they are. \return kDone when there is no such row
+// any more
+int prune(ProjectSession &session, const Console &console) {
   const std::vector<std::size_t> rows = rowsOutsideTheStudyFile(session);
   if (rows.empty()) {
-    return true;
+    return ExitCode::kDone;
   }
-  if (!isConfirmed(console,
-                   "Remove " + numbered(rows.size(), "row", "rows") +
-                       " that the study file does not have, with all results?",
-                   "--prune")) {
-    return false;
+  const int code = confirm(console,
+                           "Remove " + numbered(rows.size(), "row", "rows") +
+                               " that the study file does not have, with all results?",
+                           "--prune");
+  if (code != ExitCode::kDone) {
+    return code;
   }
   for (const std::size_t row : rows) {
     console.note("note: the row \"" + session.rowName(row) + "\" was removed");
     session.data().removeVariant(row, true);
   }
   session.refreshRows();
-  return true;
+  return ExitCode::kDone;
 }
 
 int runSession(StudySession &session, const SolverSetup &setup, const RunOptions &options,
                const Console &console) {
   const HostUnits units;
   SolveRunner runner(session, setup.study, setup.inputs, units, setup.programs);
-  if (options.prunes && !prune(session, console)) {
-    return ExitCode::kUsage;
+  if (const int code = options.prunes ? prune(session, console) : ExitCode::kDone; code != ExitCode::kDone) {
+    return code;
   }
   runner.assess();
   session.clearUnreliableCosts();
@@ -177,9 +191,11 @@ int runSession(StudySession &session, const SolverSetup &setup, const RunOptions
   if (options.isTrial) {
     return printPlan(session, options, console);
   }
-  if (options.isFresh && !session.isNew() &&
-      !isConfirmed(console, "Solve every row again, and lose the results that it has?", "--fresh")) {
-    return ExitCode::kUsage;
+  if (options.isFresh && !session.isNew()) {
+    const int code = confirm(console, "Solve every row again, and lose the results that it has?", "--fresh");
+    if (code != ExitCode::kDone) {
+      return code;
+    }
   }
   return solveAndPrint(session, setup, runner, solving, options.allowedFailures, console);
 }

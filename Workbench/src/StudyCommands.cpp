@@ -9,6 +9,7 @@
 #include "Workbench/MatrixTable.h"
 #include "Workbench/StudyExpression.h"
 #include "Workbench/src/MatrixSummary.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/ProjectArgument.h"
 #include "Workbench/src/StudyEditing.h"
 
@@ -41,17 +42,22 @@ std::string placeIn(const std::string &text, std::size_t offset) {
          text.substr(offset);
 }
 
-// What is legal in the cost and seldom meant, each with the change that removes it.
-void warn(const ProjectSession &session, const std::string &text, const Console &console) {
+// The variables that a cost may have.
+std::vector<std::string> costVariables(const ProjectSession &session) {
   std::vector<std::string> names;
   for (const bool isInput : {true, false}) {
     for (std::size_t group = 0; group < session.groupCount(isInput); ++group) {
       names.push_back(session.data().getGroup(isInput, static_cast<int>(group)).getAttributeMacro());
     }
   }
+  return names;
+}
+
+// What is legal in the cost and seldom meant, each with the change that removes it.
+void warn(const ProjectSession &session, const std::string &text, const Console &console) {
   std::vector<ExpressionNote> warnings;
   ExpressionNote ignored; // the text has been built as a cost
-  StudyExpression::create(text, names, warnings, ignored);
+  StudyExpression::create(text, costVariables(session), warnings, ignored);
   for (const ExpressionNote &warning : warnings) {
     console.note("warning: the cost: " + warning.message + ";" + placeIn(text, warning.offset));
   }
@@ -67,8 +73,9 @@ std::string problemOfCost(const ProjectSession &session, const std::string &text
     return "";
   }
   const std::optional<std::size_t> offset = builder.getLastBuildErrorPosition();
-  return "The cost cannot be built, and the old one stays: " + builder.getLastBuildError() +
-         (offset ? placeIn(text, *offset) : "");
+  const ExpressionNote problem{builder.getLastBuildError(), offset.value_or(0)};
+  return "The cost cannot be built, and the old one stays: " + problem.message +
+         expressionHint(text, problem, costVariables(session)) + (offset ? placeIn(text, *offset) : "");
 }
 
 std::string setCost(ProjectSession &session, const std::string &text, const Console &console) {
@@ -118,7 +125,7 @@ int beginCommand(const std::string &project, ModelVersionStudyType type, const C
       console.error(problem);
       return ExitCode::kInternalError;
     }
-    console.note("Began a study; next: \"optstudy input add " + project + " ATTRIBUTE\"");
+    console.note("Began a study; next: \"optstudy input add " + shellWord(project) + " ATTRIBUTE\"");
     return ExitCode::kDone;
   });
 }

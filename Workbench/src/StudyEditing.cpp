@@ -4,7 +4,7 @@
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/OptimizationManager.h"
 #include "Workbench/ExitCode.h"
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/src/ProjectArgument.h"
 #include "Workbench/src/StudyFileReader.h"
 

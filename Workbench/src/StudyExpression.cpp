@@ -4,6 +4,7 @@
 #include "ExpressionBuilder/BuilderSingleType.h"
 #include "ExpressionBuilder/ElementConstant.h"
 #include "ExpressionBuilder/Exceptions.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/StudyFile.h"
 
 #include <algorithm>
@@ -51,6 +52,18 @@ std::vector<std::string> attributeNames(const StudyFile &study) {
   return names;
 }
 
+// What to say when a name stands in the text as it is, which the language does not read as one; else "".
+std::string bareNameHint(const std::string &text, const std::vector<std::string> &names) {
+  std::string longest; // "Box.height" and not "Box.h"
+  for (const std::string &name : names) {
+    const std::size_t at = text.find(name);
+    if (at != std::string::npos && (at == 0 || text[at - 1] != '%') && name.size() > longest.size()) {
+      longest = name;
+    }
+  }
+  return longest.empty() ? "" : "; names stand between %, as in \"%" + longest + "%\"";
+}
+
 std::string limitText(const std::optional<double> &limit, const std::string &unit) {
   return EmbeddedHost::writeSolverNumber(*limit) + (unit.empty() ? "" : " " + unit);
 }
@@ -73,6 +86,7 @@ std::optional<StudyExpression> StudyExpression::create(const std::string &text,
                                                        std::vector<ExpressionNote> &warnings,
                                                        ExpressionNote &problem) {
   StudyExpression made;
+  made.m_text = text;
   try {
     RecordingBuilder builder;
     for (const std::string &name : names) {
@@ -119,6 +133,29 @@ std::optional<double> StudyExpression::evaluate(const AttributeValues &values, s
   }
 }
 
+std::string undefinedName(const ExpressionNote &problem) {
+  const std::string beginning = "Undefined variable : ";
+  return problem.message.rfind(beginning, 0) == 0 ? problem.message.substr(beginning.size()) : "";
+}
+
+std::string expressionHint(const std::string &text, const ExpressionNote &problem,
+                           const std::vector<std::string> &names) {
+  const std::string undefined = undefinedName(problem);
+  return undefined.empty() ? bareNameHint(text, names) : didYouMean(undefined, names);
+}
+
+std::string infeasibility(const std::optional<StudyExpression> &rule, const AttributeValues &inputs) {
+  if (!rule) {
+    return "";
+  }
+  std::string problem;
+  const std::optional<double> value = rule->evaluate(inputs, problem);
+  if (!value) {
+    return "rule: " + problem;
+  }
+  return *value != 0.0 ? "" : "rule: " + rule->text();
+}
+
 StudyExpressions::StudyExpressions(const StudyFile &study) : m_study(study) {
   const std::vector<std::string> names = attributeNames(study);
   std::vector<ExpressionNote> ignored;
@@ -134,15 +171,7 @@ StudyExpressions::StudyExpressions(const StudyFile &study) : m_study(study) {
 }
 
 std::string StudyExpressions::infeasibility(const AttributeValues &inputs) const {
-  if (!m_rule) {
-    return "";
-  }
-  std::string problem;
-  const std::optional<double> value = m_rule->evaluate(inputs, problem);
-  if (!value) {
-    return "rule: " + problem;
-  }
-  return *value != 0.0 ? "" : "rule: " + m_study.rule.text;
+  return Workbench::infeasibility(m_rule, inputs);
 }
 
 std::string StudyExpressions::compute(const AttributeValues &values, std::vector<double> &results) const {

@@ -1,4 +1,4 @@
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/src/StudyFileReader.h"
 
 #include <algorithm>
@@ -16,24 +16,6 @@ std::vector<std::string> numericNames(const StudyFile &file, bool withResults) {
     }
   }
   return names;
-}
-
-// The name in "Undefined variable : x"; empty for any other message.
-std::string undefinedName(const std::string &message) {
-  const std::string beginning = "Undefined variable : ";
-  return message.compare(0, beginning.size(), beginning) == 0 ? message.substr(beginning.size()) : "";
-}
-
-// What to say when a name stands in the text as it is, which the language does not read as one; else "".
-std::string bareNameHint(const std::string &text, const std::vector<std::string> &names) {
-  std::string longest; // "Box.height" and not "Box.h"
-  for (const std::string &name : names) {
-    const std::size_t at = text.find(name);
-    if (at != std::string::npos && (at == 0 || text[at - 1] != '%') && name.size() > longest.size()) {
-      longest = name;
-    }
-  }
-  return longest.empty() ? "" : "; names stand between %, as in \"%" + longest + "%\"";
 }
 
 // The formula's place in the list of formulas; the number of formulas when there is none.
@@ -123,16 +105,16 @@ std::optional<StudyExpression> StudyFileReader::readExpression(const StudyNode &
   ExpressionNote problem;
   auto expression = StudyExpression::create(text, names, warnings, problem);
   if (!expression) {
-    const std::string undefined = undefinedName(problem.message);
+    const std::string undefined = undefinedName(problem);
     std::string message = what + ": " + problem.message;
     if (!undefined.empty() && file.findAttribute(undefined) != nullptr) {
       message = what + ": \"" + undefined + "\" " + otherwise;
-    } else if (!undefined.empty()) {
-      message += didYouMean(undefined, names);
+    } else {
+      message +=
+          undefined.empty() ? " at character " + std::to_string(problem.offset + 1) + " of its text" : "";
+      message += expressionHint(text, problem, names);
     }
-    const std::string place = " at character " + std::to_string(problem.offset + 1) + " of its text";
-    m_nodes.report(m_nodes.placeIn(node, problem.offset),
-                   message + (undefined.empty() ? place + bareNameHint(text, names) : ""));
+    m_nodes.report(m_nodes.placeIn(node, problem.offset), message);
     return std::nullopt;
   }
   for (const ExpressionNote &warning : warnings) {

@@ -1,5 +1,5 @@
 #include "EmbeddedHost/SolverNumber.h"
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/src/StudyFileReader.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "EmbeddedHost/RunFiles.h"
 #include "EmbeddedHost/SolverNumber.h"
-#include "Workbench/src/NearestWord.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/src/StudyFileReader.h"
 
 #include <algorithm>

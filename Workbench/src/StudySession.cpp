@@ -74,10 +74,8 @@ std::string StudySession::beginNew() {
       }
     }
   }
-  std::string problem = applyLimits();
-  if (problem.empty()) {
-    problem = applyCost();
-  }
+  applyLimits();
+  std::string problem = applyCost();
   return problem.empty() ? applyRows() : problem;
 }
 
@@ -133,9 +131,7 @@ std::string StudySession::continueExisting(const ModelChange &change) {
   }
   problem = applyBaselineValues();
   if (problem.empty()) {
-    problem = applyLimits();
-  }
-  if (problem.empty()) {
+    applyLimits();
     problem = applyCost();
   }
   if (problem.empty()) {

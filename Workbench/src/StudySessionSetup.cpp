@@ -36,6 +36,22 @@ std::string textOf(const ModelAttribute &declared) {
                                                 : declared.value->getValueAsString();
 }
 
+// "minimum 1 mm, maximum 5 mm"; "no limits" when there is none.
+std::string limitsText(const OptimizationGroupVariable &variable) {
+  std::string text;
+  const auto add = [&text](const char *what, const std::string &limit) {
+    if (!limit.empty()) {
+      text.append(text.empty() ? "" : ", ").append(what).append(" ").append(limit);
+    }
+  };
+  add("minimum", variable.getMinimumValue());
+  add("maximum", variable.getMaximumValue());
+  add("step", variable.getStepValue());
+  add("low bound", variable.getLowBound().value_or(""));
+  add("high bound", variable.getHighBound().value_or(""));
+  return text.empty() ? "no limits" : text;
+}
+
 std::string joined(const std::vector<std::string> &parts) {
   std::string text;
   for (const std::string &part : parts) {
@@ -177,7 +193,7 @@ std::string StudySession::applyBaselineValues() {
   return "";
 }
 
-std::string StudySession::applyLimits() {
+void StudySession::applyLimits() {
   for (std::size_t index = 0; index < m_study.inputs.size(); ++index) {
     const StudyGroup &declared = m_study.inputs[index];
     const StudyAttribute &attribute = *m_study.findAttribute(declared.macro());
@@ -187,6 +203,7 @@ std::string StudySession::applyLimits() {
       return number ? hostText(attribute, value) : std::string();
     };
     const OptimizationGroup group = data().getGroup(true, static_cast<int>(index));
+    const std::string before = limitsText(group.getVariable(0));
     for (int number = 0; number < group.size(); ++number) {
       OptimizationGroupVariable variable = group.getVariable(number);
       variable.setMinimumValue(text(declared.minimum));
@@ -197,8 +214,10 @@ std::string StudySession::applyLimits() {
       variable.setHighBound(declared.highBound ? std::optional<std::string>(text(declared.highBound))
                                                : std::nullopt);
     }
+    if (const std::string now = limitsText(group.getVariable(0)); !m_isNew && now != before) {
+      m_changes.push_back("the input \"" + declared.title() + "\" now has " + now + "; it had " + before);
+    }
   }
-  return "";
 }
 
 std::string StudySession::applyCost() {

@@ -1,7 +1,7 @@
 #include "EmbeddedHost/SolverNumber.h"
+#include "Workbench/NearestWord.h"
 #include "Workbench/ProjectModel.h"
 #include "Workbench/UnitSystem.h"
-#include "Workbench/src/NearestWord.h"
 #include "Workbench/src/StudyFileReader.h"
 
 #include <algorithm>

@@ -84,6 +84,21 @@ TEST_F(EditCommandsTest, Cost_ThatCannotBeBuilt_HasItsErrorAndNoWarning) {
             "character 16: %Box.sum% - 1 +^\n");
 }
 
+TEST_F(EditCommandsTest, Cost_NameThatIsUnknown_ComesWithTheNearestOne) {
+  EXPECT_EQ(costCommand(project(), "%Box.prodct% * 1.0", m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(),
+            "The cost cannot be built, and the old one stays: Undefined variable : Box.prodct, did you mean "
+            "\"Box.product\"? at character 1: ^%Box.prodct% * 1.0\n");
+}
+
+TEST_F(EditCommandsTest, Cost_NameWithoutItsSigns_ComesWithThem) {
+  EXPECT_EQ(costCommand(project(), "Box.product * 1.0", m_text.console), ExitCode::kInvalid);
+  const std::string messages = m_text.takeMessages();
+  EXPECT_NE(messages.find("; names stand between %, as in \"%Box.product%\" at character "),
+            std::string::npos)
+      << messages;
+}
+
 TEST_F(EditCommandsTest, Cost_PlaceOfAnError_CountsCharactersAndNotBytes) {
   EXPECT_EQ(costCommand(project(), "\"\u00e4\u00f6\u00fc\" + * 3", m_text.console), ExitCode::kInvalid);
   EXPECT_NE(m_text.takeMessages().find(" at character 9: \"\u00e4\u00f6\u00fc\" + ^* 3\n"),
@@ -286,8 +301,8 @@ TEST_F(EditCommandsTest, End_KeepsTheVersions) {
   EXPECT_EQ(versionsCommand(project(), m_text.console), ExitCode::kDone);
   EXPECT_NE(m_text.takeOut().find("two"), std::string::npos);
   EXPECT_EQ(statusCommand(project(), OutputFormat::Table, m_text.console), ExitCode::kInvalid);
-  EXPECT_EQ(m_text.takeMessages(),
-            "The project " + project() + " has no study: \"optstudy begin " + project() + "\" begins one.\n");
+  EXPECT_EQ(m_text.takeMessages(), "The project " + project() + " has no study: \"optstudy begin '" +
+                                       project() + "'\" begins one.\n");
 }
 
 TEST_F(EditCommandsTest, End_DeleteVersions_LeavesTheBaseline) {

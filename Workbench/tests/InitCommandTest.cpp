@@ -49,7 +49,7 @@ TEST_F(InitCommandTest, WithoutAName_WritesTheBeamAndSaysWhatIsNext) {
   EXPECT_EQ(init("demo"), ExitCode::kDone);
   EXPECT_EQ(m_text.takeOut(),
             m_folder.file("demo/beam.awk.template") + "\n" + m_folder.file("demo/beam.study.yaml") + "\n");
-  EXPECT_EQ(m_text.takeMessages(), "Next: optstudy check " + m_folder.file("demo/beam.study.yaml") + "\n");
+  EXPECT_EQ(m_text.takeMessages(), "Next: optstudy check '" + m_folder.file("demo/beam.study.yaml") + "'\n");
 }
 
 TEST_F(InitCommandTest, EveryExample_IsWrittenAsItIsInTheSourceTree) {

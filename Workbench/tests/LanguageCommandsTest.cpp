@@ -5,6 +5,7 @@
 #include "Workbench/tests/ConsoleText.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <set>
@@ -15,7 +16,7 @@ namespace {
 // The lines of the table, from "  " on, without the blanks that fill its columns: "a * b|double, int|product".
 std::vector<std::string> tableLines() {
   ConsoleText text;
-  EXPECT_EQ(functionsCommand(text.console), ExitCode::kDone);
+  EXPECT_EQ(functionsCommand(OutputFormat::Table, text.console), ExitCode::kDone);
   EXPECT_EQ(text.takeMessages(), "");
   std::istringstream stream(text.takeOut());
   std::vector<std::string> lines;
@@ -32,6 +33,27 @@ std::vector<std::string> tableLines() {
     lines.push_back(cells);
   }
   return lines;
+}
+
+TEST(LanguageCommandsTest, Functions_AsCsv_HaveALineEach) {
+  ConsoleText text;
+  EXPECT_EQ(functionsCommand(OutputFormat::Csv, text.console), ExitCode::kDone);
+  const std::string csv = text.takeOut();
+  EXPECT_EQ(csv.find("kind,form,types,meaning\noperator,(a),any type,grouping\n"), 0U) << csv;
+  EXPECT_NE(csv.find("\nfunction,sqrt(a),double,square root\n"), std::string::npos) << csv;
+  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 21 + 25);
+}
+
+TEST(LanguageCommandsTest, Functions_AsJson_AreTwoLists) {
+  ConsoleText text;
+  EXPECT_EQ(functionsCommand(OutputFormat::Json, text.console), ExitCode::kDone);
+  const auto document = nlohmann::json::parse(text.takeOut());
+  EXPECT_EQ(document.at("version"), 1);
+  EXPECT_EQ(document.at("operators").size(), 21U);
+  EXPECT_EQ(document.at("functions").size(), 25U);
+  EXPECT_EQ(document.at("operators").at(0).at("form"), "(a)");
+  EXPECT_EQ(document.at("operators").at(0).at("types"), "any type");
+  EXPECT_EQ(document.at("operators").at(0).at("meaning"), "grouping");
 }
 
 TEST(LanguageCommandsTest, Functions_EveryRegisteredFunction_HasOneLineWithAMeaning) {

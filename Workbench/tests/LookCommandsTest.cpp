@@ -87,8 +87,8 @@ TEST_F(LookCommandsTest, Show_NoProjectYet_SaysWhatMakesIt) {
   ShowOptions options = shown();
   options.project = m_box.file("box.study.yaml");
   EXPECT_EQ(showCommand(options, m_text.console), ExitCode::kInvalid);
-  EXPECT_EQ(m_text.takeMessages(), "There is no project " + m_box.projectFile() + " yet: \"optstudy run " +
-                                       options.project + "\" makes it.\n");
+  EXPECT_EQ(m_text.takeMessages(), "There is no project " + m_box.projectFile() + " yet: \"optstudy run '" +
+                                       options.project + "'\" makes it.\n");
 }
 
 TEST_F(LookCommandsTest, Show_UnknownColumn_IsWrongUsage) {

@@ -132,7 +132,9 @@ TEST_F(ModelChangeTest, LimitsThatTheOldValueIsOutside_GoWithANewValue) {
   OpenBox box = open(m_box);
   ASSERT_TRUE(box.session) << box.problem;
   EXPECT_EQ(box.session->changes(), (Names{"the limits of Box.x are now 2 to 100, they were 0 to 100",
-                                           "Box.x is now 4 where nothing else was set; it was 1"}));
+                                           "Box.x is now 4 where nothing else was set; it was 1",
+                                           "the input \"width\" now has minimum 2, maximum 50, step 1; it "
+                                           "had minimum 0, maximum 50, step 1"}));
   EXPECT_EQ(value(box, "Box.x"), "4");
   EXPECT_EQ(solve(box).solved, 1U); // the baseline
   box = OpenBox();

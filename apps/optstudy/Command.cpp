@@ -1,18 +1,47 @@
 #include "apps/optstudy/Command.h"
 
 #include "Workbench/ExitCode.h"
+#include "Workbench/NearestWord.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <iostream>
 
 namespace {
 
 // Stands before a word that begins with "-" and is no option, so that it is taken for none. Nobody types it.
 constexpr char kMark = '\x01';
 
+using Workbench::didYouMean;
+
 const CLI::Option *findOption(const CLI::App *app, const std::string &name) {
   return app == nullptr ? nullptr : app->get_option_no_throw(name);
+}
+
+std::vector<const CLI::App *> commandsOf(const CLI::App &app) {
+  return app.get_subcommands([](const CLI::App *) { return true; });
+}
+
+std::vector<std::string> namesOf(const std::vector<const CLI::App *> &commands) {
+  std::vector<std::string> names;
+  names.reserve(commands.size());
+  for (const CLI::App *command : commands) {
+    names.push_back(command->get_name());
+  }
+  return names;
+}
+
+std::vector<std::string> optionNames(const std::vector<const CLI::App *> &apps) {
+  std::vector<std::string> names;
+  for (const CLI::App *app : apps) {
+    for (const CLI::Option *option : app->get_options()) {
+      for (const std::string &name : option->get_lnames()) {
+        names.push_back("--" + name);
+      }
+    }
+  }
+  return names;
 }
 
 } // namespace
@@ -159,12 +188,46 @@ void CommandProgram::markExpressions(std::vector<std::string> &words) const {
   }
 }
 
+// The first word that is neither command nor option, with what it may be meant to be; "" when every word is known.
+// Which words are arguments is known only behind a command that is no family.
+std::string CommandProgram::unknownWord(const std::vector<std::string> &words) const {
+  const CLI::App *app = m_app.get();
+  for (std::size_t index = 0; index < words.size() && words[index] != "--"; ++index) {
+    const std::string &word = words[index];
+    const std::vector<const CLI::App *> commands = commandsOf(*app);
+    if (word.size() > 1 && word.front() == '-') {
+      const std::string name = word.substr(0, word.find('='));
+      const CLI::Option *option = findOption(app, name);
+      option = option == nullptr ? findOption(m_app.get(), name) : option;
+      if (option == nullptr && word.rfind("--", 0) == 0) {
+        return "There is no option \"" + name + "\"" + didYouMean(name, optionNames({m_app.get(), app}));
+      }
+      const bool hasValue = option != nullptr && name == word && option->get_items_expected_min() > 0;
+      index += hasValue ? 1 : 0;
+    } else if (!commands.empty()) {
+      const auto found = std::find_if(commands.begin(), commands.end(),
+                                      [&word](const CLI::App *known) { return known->get_name() == word; });
+      if (found == commands.end()) {
+        const std::string family = app == m_app.get() ? "" : app->get_name() + " ";
+        return "There is no command \"" + family + word + "\"" + didYouMean(word, namesOf(commands));
+      }
+      app = *found;
+    }
+  }
+  return "";
+}
+
 std::optional<int> CommandProgram::parse(std::vector<std::string> words) {
   markExpressions(words);
+  const std::vector<std::string> typed = words;
   std::reverse(words.begin(), words.end());
   try {
     m_app->parse(std::move(words));
   } catch (const CLI::ParseError &error) {
+    if (const std::string unknown = error.get_exit_code() == 0 ? "" : unknownWord(typed); !unknown.empty()) {
+      std::cerr << unknown << "\nRun with --help for more information.\n";
+      return Workbench::ExitCode::kUsage;
+    }
     return m_app->exit(error) == 0 ? Workbench::ExitCode::kDone : Workbench::ExitCode::kUsage;
   }
   return std::nullopt;

@@ -114,6 +114,7 @@ public:
 
 private:
   void markExpressions(std::vector<std::string> &words) const;
+  std::string unknownWord(const std::vector<std::string> &words) const;
 
   std::unique_ptr<CLI::App> m_app;
   Command::Shared m_shared;

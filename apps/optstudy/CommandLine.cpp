@@ -93,7 +93,7 @@ int runCommandLine(int argc, char **argv) {
     std::cerr << common.logFile << ": the log file cannot be written\n";
     return kUsage;
   }
-  countInterruptions();
+  outliveReaders();
   const Workbench::Console console{
       std::cout,
       std::cerr,

@@ -38,6 +38,13 @@ bool isIgnored(int number) {
 
 } // namespace
 
+void outliveReaders() {
+  struct sigaction ignoring = {};
+  ignoring.sa_handler = SIG_IGN;
+  ::sigemptyset(&ignoring.sa_mask);
+  ::sigaction(SIGPIPE, &ignoring, nullptr);
+}
+
 void countInterruptions() {
   struct sigaction action = {};
   action.sa_handler = onSignal;
@@ -52,10 +59,6 @@ void countInterruptions() {
       ::sigaction(number, &action, nullptr);
     }
   }
-  struct sigaction ignoring = {};
-  ignoring.sa_handler = SIG_IGN;
-  ::sigemptyset(&ignoring.sa_mask);
-  ::sigaction(SIGPIPE, &ignoring, nullptr);
 }
 
 int interruptions() {

@@ -17,7 +17,9 @@ void addEval(const Command &program, CommandValues &values) {
 } // namespace
 
 void addLanguageCommands(const Command &program, CommandValues &values) {
-  program.command("functions", "Print the operators and functions of the cost language", "functions",
-                  [](const Console &console) { return Workbench::functionsCommand(console); });
+  const Command functions = program.command(
+      "functions", "Print the operators and functions of the cost language", "functions",
+      [&values](const Console &console) { return Workbench::functionsCommand(values.format, console); });
+  addFormat(functions, values);
   addEval(program, values);
 }

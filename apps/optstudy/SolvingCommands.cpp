@@ -1,4 +1,5 @@
 #include "apps/optstudy/Commands.h"
+#include "apps/optstudy/Interruptions.h"
 
 #include <cstdlib>
 
@@ -34,6 +35,7 @@ void addCheck(const Command &program, CommandValues &values) {
   const Command check =
       program.command("check", "Check a study file, and run the baseline once",
                       "check examples/filter/filter.study.yaml", [&values](const Console &console) {
+                        countInterruptions();
                         values.check.searchPath = searchPath();
                         return checkCommand(values.check, console);
                       });
@@ -45,6 +47,7 @@ void addRun(const Command &program, CommandValues &values) {
   const Command run =
       program.command("run", "Solve a study's rows, price them, and print the matrix",
                       "run examples/filter/filter.study.yaml -j 4", [&values](const Console &console) {
+                        countInterruptions();
                         values.run.searchPath = searchPath();
                         values.run.parallel = values.jobs;
                         values.run.allowedFailures =
@@ -71,6 +74,7 @@ void addRun(const Command &program, CommandValues &values) {
 }
 
 int solveRows(CommandValues &values, bool onlyExtracts, const Console &console) {
+  countInterruptions();
   values.solve.project = values.project;
   values.solve.rows = values.words;
   values.solve.onlyExtracts = onlyExtracts;

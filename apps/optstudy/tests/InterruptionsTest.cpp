@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <thread>
+#include <unistd.h>
 
 // What Ctrl-C, signals, a suspension and a reader who goes away do to a run, and that the same command goes on.
 
@@ -90,6 +92,31 @@ TEST_F(InterruptionsTest, CtrlCTwice_EndsWhatRuns) {
   EXPECT_EQ(result.exitCode, 130) << result.messages;
   EXPECT_NE(result.output.find("4 rows: 1 ok, 2 failed, 1 not solved."), std::string::npos) << result.output;
   expectResumable(6);
+}
+
+// Somebody reads the project all the time, so that a command has to wait before it can write.
+TEST_F(InterruptionsTest, CtrlC_EndsACommandThatStartsNoSolverAtOnce) {
+  letGo();
+  ASSERT_EQ(runCommand(m_folder, {"run", "box.study.yaml"}, environment()).exitCode, 0);
+  const int file = ::open(m_folder.file("box.optstudy").c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_GE(file, 0);
+  struct flock reading = {};
+  reading.l_type = F_RDLCK;
+  reading.l_whence = SEEK_SET;
+  reading.l_start = 0x40000002; // where SQLite keeps the locks of readers
+  reading.l_len = 510;
+  ASSERT_EQ(::fcntl(file, F_SETLK, &reading), 0);
+  CommandRun command(m_folder, {"cost", "box.optstudy", "%Box.y% * 2.0"}, {},
+                     {"/usr/bin/env", "--default-signal=HUP,INT,TERM"});
+  for (int attempt = 0; attempt < 1000 && !m_folder.has("box.optstudy-journal"); ++attempt) {
+    std::this_thread::sleep_for(milliseconds(10));
+  }
+  ASSERT_TRUE(m_folder.has("box.optstudy-journal"));
+  command.sendSignal(SIGINT);
+  const CommandResult result = command.wait();
+  EXPECT_EQ(result.signal, SIGINT) << result.exitCode << result.messages;
+  ::close(file);
+  EXPECT_EQ(runCommand(m_folder, {"cost", "box.optstudy"}).output, "%Box.y%\n");
 }
 
 TEST_F(InterruptionsTest, TerminationAndHangUp_EndWhatRunsWith143) {

@@ -12,12 +12,15 @@ protected:
     ASSERT_EQ(run().exitCode, 0);
   }
 
-  void write(const std::string &width, const std::string &more) const {
+  void write(const std::string &width, const std::string &more,
+             const std::string &input = "Beam.width") const {
     m_folder.write("beam.study.yaml", "version: 1\nmodel:\n  Beam:\n    " + width + "\n" + more +
                                           "    area: {result: true, unit: mm2}\n"
                                           "formulas:\n  Beam.area: \"%Beam.width% * 2.0\"\n"
                                           "study:\n  target: minimise\n  cost: \"%Beam.area%\"\n"
-                                          "  inputs: [Beam.width]\n  outputs: [Beam.area]\n"
+                                          "  inputs: [" +
+                                          input +
+                                          "]\n  outputs: [Beam.area]\n"
                                           "  variants: {grid: {Beam.width: [20 mm, 30 mm]}}\n");
   }
 
@@ -38,6 +41,21 @@ TEST_F(ModelChangeCommandTest, Run_ChangesTheProjectAndSaysWhat) {
                 "Nothing to solve: 3 rows are solved already.\n"),
             std::string::npos)
       << result.messages;
+}
+
+TEST_F(ModelChangeCommandTest, Run_OtherLimitsOfAnInput_AreSaid) {
+  const std::string width = "width: {value: 40 mm, minimum: 10 mm, maximum: 200 mm}";
+  write(width, "", "{attribute: Beam.width, minimum: 15 mm, maximum: 60 mm, step: 5 mm}");
+  EXPECT_NE(
+      run("-v").messages.find("note: the input \"Beam.width\" now has minimum 15 mm, maximum 60 mm, step 5 "
+                              "mm; it had no limits\n"),
+      std::string::npos);
+  EXPECT_EQ(run("-v").messages.find("now has"), std::string::npos);
+  write(width, "", "{attribute: Beam.width, maximum: 60 mm}");
+  EXPECT_NE(
+      run("-v").messages.find("note: the input \"Beam.width\" now has maximum 60 mm; it had minimum 15 mm, "
+                              "maximum 60 mm, step 5 mm\n"),
+      std::string::npos);
 }
 
 TEST_F(ModelChangeCommandTest, Run_OtherUnit_ComputesFormulasInIt) {

@@ -64,6 +64,34 @@ TEST_F(WordCommandsTest, Functions_AreListedWithTypesAndMeaning) {
   EXPECT_EQ(command({"functions", "sqrt"}).exitCode, 2);
 }
 
+TEST_F(WordCommandsTest, CommandThatIsUnknown_ComesWithTheNearestOne) {
+  const CommandResult result = command({"--log-file", "log", "-q", "shwo", "p.optstudy"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, "There is no command \"shwo\", did you mean \"show\"?\n"
+                             "Run with --help for more information.\n");
+  EXPECT_EQ(command({"group", "renme", "p.optstudy"}).messages,
+            "There is no command \"group renme\", did you mean \"rename\"?\n"
+            "Run with --help for more information.\n");
+  EXPECT_EQ(command({"banana"}).messages,
+            "There is no command \"banana\"\nRun with --help for more information.\n");
+}
+
+TEST_F(WordCommandsTest, OptionThatIsUnknown_ComesWithTheNearestOne) {
+  const CommandResult result = command({"show", "p.optstudy", "--fromat=csv"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(result.messages, "There is no option \"--fromat\", did you mean \"--format\"?\n"
+                             "Run with --help for more information.\n");
+  EXPECT_EQ(command({"show", "--quite", "p.optstudy"}).messages,
+            "There is no option \"--quite\", did you mean \"--quiet\"?\n"
+            "Run with --help for more information.\n");
+}
+
+TEST_F(WordCommandsTest, WordsThatAreMissing_AreAskedForAsBefore) {
+  EXPECT_EQ(command({}).messages, "A subcommand is required\nRun with --help for more information.\n");
+  EXPECT_EQ(command({"show"}).messages, "PROJECT is required\nRun with --help for more information.\n");
+}
+
 TEST_F(WordCommandsTest, Eval_PrintsTypeAndValue) {
   const CommandResult result = command({"eval", "-%x% * 2.0", "--var", "x=-2.5"});
   EXPECT_EQ(result.exitCode, 0);
