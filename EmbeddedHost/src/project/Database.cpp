@@ -147,13 +147,12 @@ int Database::waitForOthers(void *waiting, int attempts) {
     own.since = steady_clock::now();
   }
   const std::chrono::milliseconds longest = own.isWriting ? own.longestToWrite : kLongestWaitToRead;
-  const auto left =
-      std::chrono::duration_cast<std::chrono::milliseconds>(own.since + longest - steady_clock::now());
-  if (left.count() <= 0) {
+  const steady_clock::duration left = own.since + longest - steady_clock::now();
+  if (left <= steady_clock::duration::zero()) {
     return 0;
   }
   const std::chrono::milliseconds pause(attempts + 1);
-  std::this_thread::sleep_for(std::min({pause, left, kLongestPause}));
+  std::this_thread::sleep_for(std::min<steady_clock::duration>(left, std::min(pause, kLongestPause)));
   return 1;
 }
 

@@ -105,7 +105,8 @@ const Calls kBeginning{
 
 const Calls kMistakes{
     {{}, 2, "subcommand"},
-    {{"rum", "box.study.yaml"}, 2, "subcommand"},
+    {{"rum", "box.study.yaml"}, 2, "did you mean \"run\"?"},
+    {{"run", "box.study.yaml", "--frsh"}, 2, "did you mean \"--fresh\"?"},
     {{"run"}, 2, "STUDY"},
     {{"run", "box.study.yaml", "-j", "0"}, 2, "-j"},
     {{"run", "box.study.yaml", "--allow-failures", "many"}, 2, "such as 3 or 10%"},
