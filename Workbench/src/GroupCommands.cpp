@@ -144,21 +144,6 @@ std::string setLimits(ProjectSession &session, const GroupPlace &place, const Ty
   return "";
 }
 
-std::string limitsText(const OptimizationGroupVariable &variable) {
-  std::string text;
-  const auto add = [&text](const char *what, const std::string &value) {
-    if (!value.empty()) {
-      text.append(text.empty() ? "  " : ", ").append(what).append(" ").append(value);
-    }
-  };
-  add("minimum", variable.getMinimumValue());
-  add("maximum", variable.getMaximumValue());
-  add("step", variable.getStepValue());
-  add("low bound", variable.getLowBound().value_or(""));
-  add("high bound", variable.getHighBound().value_or(""));
-  return text;
-}
-
 int printGroups(const ProjectSession &session, const Console &console) {
   for (const bool isInput : {true, false}) {
     console.out << (isInput ? "inputs:\n" : "outputs:\n");
@@ -168,7 +153,8 @@ int printGroups(const ProjectSession &session, const Console &console) {
       for (int number = 0; number < group.size(); ++number) {
         console.out << " " << group.getVariable(number).getAttributeMacro();
       }
-      console.out << limitsText(group.getFrontVariable()) << "\n";
+      const std::string limits = limitsOf(group.getFrontVariable());
+      console.out << (limits.empty() ? "" : "  ") << limits << "\n";
     }
   }
   return ExitCode::kDone;

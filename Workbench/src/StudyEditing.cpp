@@ -103,6 +103,21 @@ std::string unknownGroup(const ProjectSession &session, const std::string &name)
   return "There is no input or output \"" + name + "\"" + didYouMean(name, titles);
 }
 
+std::string limitsOf(const OptimizationTool::OptimizationGroupVariable &variable) {
+  std::string text;
+  const auto add = [&text](const char *what, const std::string &limit) {
+    if (!limit.empty()) {
+      text.append(text.empty() ? "" : ", ").append(what).append(" ").append(limit);
+    }
+  };
+  add("minimum", variable.getMinimumValue());
+  add("maximum", variable.getMaximumValue());
+  add("step", variable.getStepValue());
+  add("low bound", variable.getLowBound().value_or(""));
+  add("high bound", variable.getHighBound().value_or(""));
+  return text;
+}
+
 void reloadStudy(ProjectSession &session) {
   session.tolerateUnpriced([] { OptimizationTool::OptimizationManager::instance().initializeVersion(); });
   session.refreshRows();

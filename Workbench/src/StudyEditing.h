@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OptimizationTool/OptimizationGroupVariable.h"
 #include "Workbench/Console.h"
 #include "Workbench/EditCommands.h"
 #include "Workbench/ProjectSession.h"
@@ -31,6 +32,9 @@ std::optional<GroupPlace> findGroup(const ProjectSession &session, const std::st
 std::string unknownGroup(const ProjectSession &session, const std::string &name);
 // What people call a group: its name, or its first attribute's.
 std::string groupTitle(const ProjectSession &session, const GroupPlace &place);
+
+// "minimum 1 mm, maximum 5 mm"; "" when it has no limits.
+std::string limitsOf(const OptimizationTool::OptimizationGroupVariable &variable);
 
 // Reads the study anew from the model, which is due after every change of groups: the matrix in memory keeps its cells
 // where they were.

@@ -36,20 +36,8 @@ std::string textOf(const ModelAttribute &declared) {
                                                 : declared.value->getValueAsString();
 }
 
-// "minimum 1 mm, maximum 5 mm"; "no limits" when there is none.
-std::string limitsText(const OptimizationGroupVariable &variable) {
-  std::string text;
-  const auto add = [&text](const char *what, const std::string &limit) {
-    if (!limit.empty()) {
-      text.append(text.empty() ? "" : ", ").append(what).append(" ").append(limit);
-    }
-  };
-  add("minimum", variable.getMinimumValue());
-  add("maximum", variable.getMaximumValue());
-  add("step", variable.getStepValue());
-  add("low bound", variable.getLowBound().value_or(""));
-  add("high bound", variable.getHighBound().value_or(""));
-  return text.empty() ? "no limits" : text;
+std::string orNoLimits(const std::string &limits) {
+  return limits.empty() ? "no limits" : limits;
 }
 
 std::string joined(const std::vector<std::string> &parts) {
@@ -203,7 +191,7 @@ void StudySession::applyLimits() {
       return number ? hostText(attribute, value) : std::string();
     };
     const OptimizationGroup group = data().getGroup(true, static_cast<int>(index));
-    const std::string before = limitsText(group.getVariable(0));
+    const std::string before = limitsOf(group.getFrontVariable());
     for (int number = 0; number < group.size(); ++number) {
       OptimizationGroupVariable variable = group.getVariable(number);
       variable.setMinimumValue(text(declared.minimum));
@@ -214,8 +202,9 @@ void StudySession::applyLimits() {
       variable.setHighBound(declared.highBound ? std::optional<std::string>(text(declared.highBound))
                                                : std::nullopt);
     }
-    if (const std::string now = limitsText(group.getVariable(0)); !m_isNew && now != before) {
-      m_changes.push_back("the input \"" + declared.title() + "\" now has " + now + "; it had " + before);
+    if (const std::string now = limitsOf(group.getFrontVariable()); !m_isNew && now != before) {
+      m_changes.push_back("the input \"" + declared.title() + "\" now has " + orNoLimits(now) + "; it had " +
+                          orNoLimits(before));
     }
   }
 }
