@@ -28,11 +28,12 @@ std::string fileFingerprint(const std::string &path, std::string &problem);
 class RunInputs {
 public:
   /// Reads the templates and the files to copy and checks every placeholder against the model.
-  /// \param notes  receives what a person should know though nothing is wrong, such as an input that no template uses
+  /// \param doubts  receives what can be run and is hardly meant: a template without a placeholder, and an input that no
+  ///                 template, command, formula, rule or cost uses
   /// \return empty when a file cannot be read or a placeholder cannot be filled; every such place is added to
   ///         `problems`
   static std::optional<RunInputs> load(const StudyFile &study, const UnitSystem &units,
-                                       std::vector<std::string> &notes, std::vector<FileProblem> &problems);
+                                       std::vector<FileProblem> &doubts, std::vector<FileProblem> &problems);
 
   /// The files of one run with the values of `source`, copies included.
   /// \param warnings  when given, receives what a solver may read otherwise than it is written

@@ -160,6 +160,24 @@ void printResults(StudySession &session, const SolverSetup &setup, const Console
   }
 }
 
+// Of the extractor or formula that a reason names: "extraction: Box.y: no line matches"; line 0 when it names none.
+FilePlace placeOfResult(const StudyFile &study, const std::string &reason) {
+  const auto isNamed = [&reason](const std::string &attribute) {
+    return reason.find(": " + attribute + ": ") != std::string::npos;
+  };
+  for (const StudyExtractor &extractor : study.solver.extractors) {
+    if (isNamed(extractor.attribute)) {
+      return extractor.place;
+    }
+  }
+  for (const StudyFormula &formula : study.formulas) {
+    if (isNamed(formula.attribute)) {
+      return formula.place;
+    }
+  }
+  return {};
+}
+
 int runBaseline(StudySession &session, const SolverSetup &setup, const Console &console) {
   const HostUnits units;
   SolveRunner runner(session, setup.study, setup.inputs, units, setup.programs);
@@ -177,8 +195,12 @@ int runBaseline(StudySession &session, const SolverSetup &setup, const Console &
   }
   const RowState &state = session.rowState(0);
   if (state.status != RowStatus::Ok) {
-    console.error("The baseline " + statusText(state) +
-                  (report.problem.empty() ? "" : "; " + report.problem));
+    const FilePlace place = placeOfResult(setup.study, state.reason);
+    const std::string failed = statusText(state) + (report.problem.empty() ? "" : "; " + report.problem);
+    console.error(
+        place.line == 0
+            ? "The baseline " + failed
+            : FileProblem{setup.study.path, place.line, place.column, "the baseline " + failed}.toText());
     const std::string log = session.project().runRecord(*session.baseline()).logTail;
     console.messages << log;
     return ExitCode::kNoRowSolved;
@@ -196,6 +218,8 @@ int checkCommand(const CheckOptions &options, const Console &console) {
   if (!setup) {
     return ExitCode::kInvalid;
   }
+  // Whoever runs such a study is warned; whoever checks it wants it right.
+  printProblems(setup->doubts, console);
   const std::size_t rows = setup->study.rows.size() + 1;
   setup->study.rows.resize(std::min<std::size_t>(1, setup->study.rows.size()));
   const TrialFolder folder;
@@ -217,7 +241,10 @@ int checkCommand(const CheckOptions &options, const Console &console) {
   if (!checkRendering(*session, *setup, console)) {
     return ExitCode::kInvalid;
   }
-  const int code = options.runs ? runBaseline(*session, *setup, console) : ExitCode::kDone;
+  int code = options.runs ? runBaseline(*session, *setup, console) : ExitCode::kDone;
+  if (code == ExitCode::kDone && !setup->doubts.empty()) {
+    code = ExitCode::kInvalid;
+  }
   if (code == ExitCode::kDone) {
     console.note("Next: optstudy run " + shellWord(options.studyFile));
   }

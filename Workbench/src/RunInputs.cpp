@@ -49,10 +49,29 @@ std::string problemOf(const EmbeddedHost::TemplatePlaceholder &placeholder, cons
   return "";
 }
 
+// What only the rule or the cost uses is no mistake: a price, for example.
+void findUnused(const StudyFile &study, std::set<std::string> used, std::vector<FileProblem> &doubts) {
+  for (const StudyFormula &formula : study.formulas) {
+    used.insert(formula.variables.begin(), formula.variables.end());
+  }
+  used.insert(study.rule.variables.begin(), study.rule.variables.end());
+  for (const StudyGroup &group : study.inputs) {
+    for (const std::string &attribute : group.attributes) {
+      const bool isPriced = study.cost.find("%" + attribute + "%") != std::string::npos;
+      if (used.count(attribute) == 0 && !isPriced) {
+        doubts.push_back({study.path, group.place.line, group.place.column,
+                          study.solver.stages.empty()
+                              ? "no formula uses \"" + attribute + "\": this input has no effect"
+                              : "no template uses \"" + attribute + "\": the solver never sees this input"});
+      }
+    }
+  }
+}
+
 } // namespace
 
 std::optional<RunInputs> RunInputs::load(const StudyFile &study, const UnitSystem &units,
-                                         std::vector<std::string> &notes,
+                                         std::vector<FileProblem> &doubts,
                                          std::vector<FileProblem> &problems) {
   RunInputs inputs;
   const std::size_t problemsBefore = problems.size();
@@ -70,7 +89,10 @@ std::optional<RunInputs> RunInputs::load(const StudyFile &study, const UnitSyste
       continue;
     }
     if (file->placeholders().empty()) {
-      notes.push_back(path + " holds no placeholder: every run gets the same file");
+      doubts.push_back({study.path, entry.place.line, entry.place.column,
+                        entry.from +
+                            " holds no placeholder: every run gets the same file; list it under copies, or "
+                            "put a placeholder in it"});
     }
     for (const EmbeddedHost::TemplatePlaceholder &placeholder : file->placeholders()) {
       const std::string why = problemOf(placeholder, study, units);
@@ -96,18 +118,7 @@ std::optional<RunInputs> RunInputs::load(const StudyFile &study, const UnitSyste
   if (problems.size() != problemsBefore) {
     return std::nullopt;
   }
-  for (const StudyFormula &formula : study.formulas) {
-    used.insert(formula.variables.begin(), formula.variables.end());
-  }
-  for (const StudyGroup &group : study.inputs) {
-    for (const std::string &attribute : group.attributes) {
-      if (used.count(attribute) == 0) {
-        notes.push_back(study.solver.stages.empty()
-                            ? "no formula uses \"" + attribute + "\": this input has no effect"
-                            : "no template uses \"" + attribute + "\": the solver never sees this input");
-      }
-    }
-  }
+  findUnused(study, used, doubts);
   return inputs;
 }
 

@@ -223,6 +223,7 @@ int runStudy(const RunOptions &options, const Console &console) {
   if (!setup) {
     return ExitCode::kInvalid;
   }
+  printWarnings(setup->doubts, console);
   const std::string projectFile = ProjectSession::projectFileOf(options.studyFile);
   OpenFailure failure;
   const std::unique_ptr<StudySession> session = StudySession::open(

@@ -128,6 +128,7 @@ int solveCommand(const SolveRowsOptions &options, const Console &console) {
   if (!setup) {
     return ExitCode::kInvalid;
   }
+  printWarnings(setup->doubts, console);
   return withStudy(project, EmbeddedHost::OpenMode::ReadWrite, console,
                    [&](ProjectSession &session) { return solveIn(session, *setup, options, console); });
 }

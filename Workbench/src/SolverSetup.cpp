@@ -12,8 +12,8 @@ std::unique_ptr<SolverSetup> SolverSetup::load(const std::string &studyFile, con
   const HostUnits units;
   std::vector<FileProblem> problems;
   std::optional<StudyFile> study = StudyFile::read(studyFile, units, problems);
-  std::vector<std::string> notes = study ? study->notes : std::vector<std::string>();
-  std::optional<RunInputs> inputs = study ? RunInputs::load(*study, units, notes, problems) : std::nullopt;
+  std::vector<FileProblem> doubts;
+  std::optional<RunInputs> inputs = study ? RunInputs::load(*study, units, doubts, problems) : std::nullopt;
   std::optional<SolverPrograms> programs =
       inputs ? SolverPrograms::find(*study, searchPath, problems) : std::nullopt;
   if (!programs) {
@@ -29,9 +29,9 @@ std::unique_ptr<SolverSetup> SolverSetup::load(const std::string &studyFile, con
   if (study->gridRows > 0) {
     console.note("note: the grid has " + numbered(study->gridRows, "row", "rows"));
   }
-  printNotes(notes, console);
+  printNotes(study->notes, console);
   return std::make_unique<SolverSetup>(
-      SolverSetup{std::move(*study), std::move(*inputs), std::move(*programs)});
+      SolverSetup{std::move(*study), std::move(*inputs), std::move(*programs), std::move(doubts)});
 }
 
 void printProblems(const std::vector<FileProblem> &problems, const Console &console) {

@@ -17,6 +17,7 @@ struct SolverSetup {
   StudyFile study;
   RunInputs inputs;
   SolverPrograms programs;
+  std::vector<FileProblem> doubts; // what can be run and is hardly meant
 
   // Whether programs are asked for their versions where the study file says how, which starts them.
   enum class Versions { Asked, NotAsked };

@@ -119,8 +119,8 @@ OpenBox open(const BoxStudy &box) {
     return open;
   }
   std::vector<FileProblem> problems;
-  std::vector<std::string> notes;
-  std::optional<RunInputs> inputs = RunInputs::load(*open.study, units, notes, problems);
+  std::vector<FileProblem> doubts;
+  std::optional<RunInputs> inputs = RunInputs::load(*open.study, units, doubts, problems);
   EXPECT_TRUE(inputs.has_value());
   open.inputs = std::make_unique<RunInputs>(std::move(*inputs));
   std::optional<SolverPrograms> programs = SolverPrograms::find(*open.study, "/usr/bin:/bin", problems);

@@ -13,9 +13,13 @@ protected:
   std::string load() {
     std::vector<FileProblem> problems;
     const std::unique_ptr<StudyFile> study = m_box.study();
-    m_notes.clear();
-    const std::optional<RunInputs> inputs = RunInputs::load(*study, m_units, m_notes, problems);
+    m_doubts.clear();
+    const std::optional<RunInputs> inputs = RunInputs::load(*study, m_units, m_doubts, problems);
     EXPECT_EQ(inputs.has_value(), problems.empty());
+    return textOf(problems);
+  }
+  // One line each, without the study's folder.
+  std::string textOf(const std::vector<FileProblem> &problems) const {
     std::string text;
     for (const FileProblem &problem : problems) {
       std::string line = problem.toText();
@@ -30,14 +34,12 @@ protected:
 
   BoxStudy m_box;
   HostUnits m_units;
-  std::vector<std::string> m_notes;
+  std::vector<FileProblem> m_doubts;
 };
-
-using Notes = std::vector<std::string>;
 
 TEST_F(RunInputsTest, Load_GoodTemplate_HasNothingToSay) {
   EXPECT_EQ(load(), "");
-  EXPECT_EQ(m_notes, Notes{});
+  EXPECT_EQ(textOf(m_doubts), "");
 }
 
 TEST_F(RunInputsTest, Load_PlaceholderThatCannotBeFilled_IsReportedWithItsPlace) {
@@ -72,18 +74,31 @@ TEST_F(RunInputsTest, Load_MissingFiles_AreReportedAtTheirEntryInTheStudyFile) {
                     "box.study.yaml:12:12: gone: No such file or directory\n");
 }
 
-TEST_F(RunInputsTest, Load_InputThatNoTemplateUses_IsNoted) {
+TEST_F(RunInputsTest, Load_InputThatNothingUses_IsDoubtful) {
   m_box.write("in.txt.template", "{{Box.x}}\n");
   EXPECT_EQ(load(), "");
-  EXPECT_EQ(m_notes, Notes{"no template uses \"Box.y\": the solver never sees this input"});
+  EXPECT_EQ(textOf(m_doubts),
+            "box.study.yaml:20:79: no template uses \"Box.y\": the solver never sees this input\n");
 }
 
-TEST_F(RunInputsTest, Load_TemplateWithoutPlaceholders_IsNoted) {
+TEST_F(RunInputsTest, Load_InputThatOnlyTheCostOrTheRuleUses_IsMeantSo) {
+  m_box.write("in.txt.template", "{{Box.x}}\n");
+  m_box.edit("cost: \"", "cost: \"%Box.y% + ");
+  EXPECT_EQ(load(), "");
+  EXPECT_EQ(textOf(m_doubts), "");
+  m_box.edit("cost: \"%Box.y% + ", "rule: \"%Box.y% > 0.0\"\n  cost: \"");
+  EXPECT_EQ(load(), "");
+  EXPECT_EQ(textOf(m_doubts), "");
+}
+
+TEST_F(RunInputsTest, Load_TemplateWithoutPlaceholders_IsDoubtful) {
   m_box.write("in.txt.template", "1 2\n");
   EXPECT_EQ(load(), "");
-  ASSERT_EQ(m_notes.size(), 3U);
-  EXPECT_EQ(m_notes[0],
-            m_box.file("in.txt.template") + " holds no placeholder: every run gets the same file");
+  ASSERT_EQ(m_doubts.size(), 3U);
+  EXPECT_EQ(
+      textOf({m_doubts[0]}),
+      "box.study.yaml:11:15: in.txt.template holds no placeholder: every run gets the same file; list it "
+      "under copies, or put a placeholder in it\n");
 }
 
 TEST_F(RunInputsTest, Render_EveryKindOfValue_IsWrittenForTheSolver) {

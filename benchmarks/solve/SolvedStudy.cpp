@@ -87,8 +87,8 @@ double SolvedStudy::solve(std::size_t parallel) const {
   std::vector<FileProblem> problems;
   const std::optional<StudyFile> study = StudyFile::read(m_file, units, problems);
   expectNone(problems);
-  std::vector<std::string> notes;
-  const std::optional<RunInputs> inputs = RunInputs::load(*study, units, notes, problems);
+  std::vector<FileProblem> doubts;
+  const std::optional<RunInputs> inputs = RunInputs::load(*study, units, doubts, problems);
   expectNone(problems);
   OpenFailure failure;
   const std::unique_ptr<StudySession> session =

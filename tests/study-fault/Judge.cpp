@@ -73,7 +73,10 @@ void judgeRefusal(const Flow &flow, const Fault &fault, const Aftermath &seen, F
     }
   }
   // A path that is read as empty stands for the entity itself, whose value the host lets no attribute take.
-  if (fault.operation == "Attribute::getValueAsString" && flow.rules.prices &&
+  // It is read as empty, too, when the member that holds it is not found.
+  const bool mayEmptyAPath =
+      isOneOf(fault.operation, {"Attribute::getValueAsString", "CompositeAttribute::findAttribute"});
+  if (mayEmptyAPath && flow.rules.prices &&
       seen.thrown.find("the value of an attribute of another kind cannot be assigned") != std::string::npos) {
     return;
   }

@@ -63,9 +63,9 @@ BoxSession::BoxSession(const std::string &folder, int rows) : m_folder(folder) {
 
 void BoxSession::solve(int most, const std::function<void(const std::string &row)> &solved) {
   std::vector<EmbeddedHost::FileProblem> problems;
-  std::vector<std::string> notes;
+  std::vector<EmbeddedHost::FileProblem> doubts;
   const std::optional<Workbench::RunInputs> inputs =
-      Workbench::RunInputs::load(*m_study, m_units, notes, problems);
+      Workbench::RunInputs::load(*m_study, m_units, doubts, problems);
   if (!inputs) {
     throw StepFailed(textOf(problems));
   }
