@@ -1,10 +1,12 @@
 // The judge of the command; see the README.
 
 #include "tests/command/judge/Suites.h"
+#include "tests/fault/judge/WorkFolder.h"
 
 #include <cstdlib>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -54,6 +56,15 @@ int exitCodeOf(const std::string &suite, Outcome outcome, bool isSample) {
   return outcome == Outcome::Passed ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+// The tree may lie where only root can reach it, as in root's home: what the suites need is copied first.
+bool giveUpRights(SuiteOptions &options, const FaultTests::WorkFolder &reachable) {
+  options.commandPage = reachable.takeFile(options.commandPage);
+  for (std::string &file : options.files) {
+    file = reachable.takeFile(file);
+  }
+  return reachable.handOver() && FaultTests::dropRights();
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -72,7 +83,8 @@ int main(int argc, char **argv) {
   options.seed = chooseSeed();
   std::cout << name << ": seed " << options.seed << " (set " << kSeedVariable << " to repeat)\n";
   const Suite &suite = suites().at(name);
-  if (!suite.mounts && !FaultTests::dropRights()) {
+  std::optional<FaultTests::WorkFolder> reachable;
+  if (!suite.mounts && !giveUpRights(options, reachable.emplace())) {
     std::cerr << "The rights of root cannot be given up; nothing is run with them.\n";
     return EXIT_FAILURE;
   }

@@ -1,6 +1,7 @@
 // The judge of the fault suites; see the README.
 
 #include "tests/fault/judge/Suites.h"
+#include "tests/fault/judge/WorkFolder.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -35,8 +36,14 @@ int runPower(const SuiteOptions &options) {
   return outcome == PowerOutcome::Passed ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-int runUnprivileged(const std::string &suite, const SuiteOptions &options) {
-  if (!FaultTests::dropRights()) {
+int runUnprivileged(const std::string &suite, SuiteOptions options) {
+  // The tree may lie where only root can reach it, as in root's home.
+  const FaultTests::WorkFolder reachable;
+  options.program = reachable.takeFile(options.program);
+  for (std::string &file : options.files) {
+    file = reachable.takeFile(file);
+  }
+  if (!reachable.handOver() || !FaultTests::dropRights()) {
     std::cerr << "The rights of root cannot be given up; nothing is run with them.\n";
     return EXIT_FAILURE;
   }

@@ -57,8 +57,25 @@ void WorkFolder::removeFolder(const std::string &path) const {
   fs::remove_all(path, error);
 }
 
+std::string WorkFolder::takeFile(const std::string &file) const {
+  std::string copy = m_path + "/" + fs::path(file).filename().string();
+  fs::copy_file(file, copy);
+  return copy;
+}
+
+bool WorkFolder::handOver() const {
+  if (::getuid() != 0) {
+    return true;
+  }
+  bool isDone = ::chown(m_path.c_str(), kNobody, kNobody) == 0;
+  for (const fs::directory_entry &entry : fs::directory_iterator(m_path)) {
+    isDone = isDone && ::lchown(entry.path().c_str(), kNobody, kNobody) == 0;
+  }
+  return isDone;
+}
+
 bool dropRights() {
-  return ::getuid() != 0 || (::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 &&
+  return ::getuid() != 0 || (::chdir("/") == 0 && ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 &&
                              ::setuid(kNobody) == 0 && ::getuid() != 0);
 }
 
