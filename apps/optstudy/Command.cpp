@@ -208,8 +208,9 @@ std::string CommandProgram::unknownWord(const std::vector<std::string> &words) c
       const auto found = std::find_if(commands.begin(), commands.end(),
                                       [&word](const CLI::App *known) { return known->get_name() == word; });
       if (found == commands.end()) {
-        const std::string family = app == m_app.get() ? "" : app->get_name() + " ";
-        return "There is no command \"" + family + word + "\"" + didYouMean(word, namesOf(commands));
+        std::string name = app == m_app.get() ? "" : app->get_name() + " ";
+        name += word;
+        return "There is no command \"" + name + "\"" + didYouMean(word, namesOf(commands));
       }
       app = *found;
     }
