@@ -125,7 +125,7 @@ TEST(TypeTest, Default_HasNoNameAndNoKind) {
 
 TEST(TypeTest, Copy_KeepsNameAndKind) {
   const Type type(Room_Summary_t, 12);
-  const Type copy(type); // the copy is what is tested
+  const Type copy(type); // NOLINT(performance-unnecessary-copy-initialization): the copy is what is tested
   EXPECT_EQ(copy.getReference(), Room_Summary_t);
   EXPECT_EQ(copy.getKindCode(), 12);
 }

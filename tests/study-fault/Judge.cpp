@@ -73,7 +73,7 @@ void judgeRefusal(const Flow &flow, const Fault &fault, const Aftermath &seen, F
     }
   }
   // A path that is read as empty stands for the entity itself, whose value the host lets no attribute take.
-  // It is read as empty, too, when the member that holds it is not found.
+  // A text is read as empty, too, when the attribute that holds it is not found.
   const bool mayEmptyAPath =
       isOneOf(fault.operation, {"Attribute::getValueAsString", "CompositeAttribute::findAttribute"});
   if (mayEmptyAPath && flow.rules.prices &&

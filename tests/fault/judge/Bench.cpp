@@ -27,7 +27,7 @@ Bench::Bench(const SuiteOptions &options) {
   runUndisturbed();
 }
 
-// A copy, because the user without rights may not reach the place where it was built.
+// In a folder of its own, with the libraries that it needs beside it.
 void Bench::installProgram(const SuiteOptions &options) {
   const std::string folder = m_work.makeFolder("program");
   m_program = folder + "/" + fs::path(options.program).filename().string();
