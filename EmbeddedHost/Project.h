@@ -133,6 +133,9 @@ public:
   /// The records of all versions that ever ran, as runRecord() answers them, in one reading of the file: for whoever
   /// looks at many versions.
   RunRecords runRecords() const;
+  /// The same, one after the other in any order, without a copy of them all: records hold what solvers printed.
+  void forEachRun(const std::function<void(const EntityModel::ModelVersion &version, const RunRecord &record)>
+                      &visit) const;
   /// Stores, in one durable transaction of its own, that a run of a version begins: a record with the status Running,
   /// and the results without values, so that nobody takes former ones for those of this run. It holds no other unsaved
   /// edit and waits for no result file to be written to the disk. In a project without a file only the model changes.

@@ -265,6 +265,10 @@ TEST_F(ProjectRunsTest, AllRecordsAtOnce_BegunRun_RunsHereAndForReaders) {
   std::string problem;
   ASSERT_TRUE(project->beginRun(*row, record(), {}, problem)) << problem;
   EXPECT_EQ(project->runRecords().at(row).status, RunStatus::Running);
+  project->forEachRun([this](const ModelVersion &version, const RunRecord &seen) {
+    EXPECT_EQ(&version, row);
+    EXPECT_EQ(seen.status, RunStatus::Running);
+  });
   const std::unique_ptr<Project> reader = reopened();
   EXPECT_EQ(reader->runRecords().at(reader->changeManager().findVersion("Row", nullptr)).status,
             RunStatus::Running);

@@ -60,6 +60,24 @@ TEST_F(VersionSwitchTest, Siblings_DoNotSeeEachOther) {
   EXPECT_EQ(text(partA, "Count"), "3");
 }
 
+TEST_F(VersionSwitchTest, VersionWithManyEdits_HasOneOfEachAttributeStill) {
+  ModelVersion *next = follow(base, "V");
+  show(next);
+  for (EntityModel::Entity *part : {partA, partB}) {
+    for (const char *path : {"Width", "Ratio", "Count", "Mass", "Cycles", "Size.Height", "Size.Depth"}) {
+      set(part, path, "1");
+    }
+  }
+  set(partA, "Count", "7");
+  set(partB, "Cycles", "8");
+  EXPECT_EQ(recorded(next, partA, "Count"), "1: 7");
+  EXPECT_EQ(recorded(next, partB, "Cycles"), "1: 8");
+  EXPECT_EQ(recorded(next, partB, "Count"), "1: 1");
+  show(base);
+  show(next);
+  EXPECT_EQ(text(partA, "Count"), "7");
+}
+
 TEST_F(VersionSwitchTest, UnsetValue_HidesThePreviousVersionsValue) {
   set(partA, "Mass", "5");
   ModelVersion *next = follow(base, "V");

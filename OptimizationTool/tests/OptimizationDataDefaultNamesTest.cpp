@@ -10,6 +10,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QTranslator>
+
+#include <cstring>
 #include <limits>
 #include <random>
 
@@ -125,6 +129,30 @@ TEST_F(OptimizationDataDefaultNamesTest, StudyTypeChanged_CountsFromOneUnderTheN
   addRows(3);
   version("Base")->setStudyType(EntityModel::ModelVersionStudyType::Optimality);
   EXPECT_EQ(addRow(), "Optimality Alternate 1 of Base");
+}
+
+// Another language.
+class OtherNamesTranslator final : public QTranslator {
+public:
+  QString translate(const char * /*context*/, const char *sourceText, const char * /*disambiguation*/,
+                    int /*n*/) const override {
+    return std::strcmp(sourceText, "%1 Alternate %2 of %3") == 0 ? QStringLiteral("%3: %1 %2") : QString();
+  }
+  bool isEmpty() const override { return false; }
+};
+
+TEST_F(OptimizationDataDefaultNamesTest, LanguageChanged_CountsFromOneInTheNewOne) {
+  begin();
+  addRows(3);
+  int argc = 1;
+  char name[] = "test";
+  char *argv[] = {name, nullptr};
+  const QCoreApplication application(argc, argv);
+  OtherNamesTranslator translator;
+  QCoreApplication::installTranslator(&translator);
+  EXPECT_EQ(addRow(), "Base: Parametric 1");
+  QCoreApplication::removeTranslator(&translator);
+  EXPECT_EQ(addRow(), defaultName(4));
 }
 
 TEST_F(OptimizationDataDefaultNamesTest, CopyVersionMissing_NoRow_AndTheNextOneGetsTheSameNumber) {

@@ -6,6 +6,7 @@
 #include "OptimizationTool/tests/StudyDataFixture.h"
 #include "testing/WrappedHost.h"
 
+#include <limits>
 #include <map>
 #include <string>
 #include <utility>
@@ -70,7 +71,7 @@ protected:
     addInput("FanB.Ratio");
     for (int row = 1; row < count; ++row) {
       data().addVariant({std::to_string(row + 10), std::to_string(row + 1)}, "Row " + std::to_string(row),
-                        1000);
+                        std::numeric_limits<std::uint64_t>::max());
     }
     m_host = std::make_unique<CountingHost>(*HostModel::installedHost());
     m_installed = std::make_unique<HostModel::HostInstallation>(*m_host);
@@ -92,6 +93,16 @@ TEST_F(OptimizationDataPricingTest, RecalculateCosts_ManyRows_PricesEachWithItsV
   data().setCostFunction("2.0 * %FanA.Speed% + %FanB.Ratio%");
   for (std::size_t row = 0; row < 40; ++row) {
     EXPECT_EQ(data().getVariantCost(row),
+              2.0 * (static_cast<double>(row) + 10.0) + static_cast<double>(row) + 1.0);
+  }
+}
+
+// More than are kept in columns at a time.
+TEST_F(OptimizationDataPricingTest, RecalculateCosts_MoreRowsThanABlockHolds_PricesEachWithItsValues) {
+  beginWithManyRows(1100);
+  data().setCostFunction("2.0 * %FanA.Speed% + %FanB.Ratio%");
+  for (std::size_t row = 0; row < 1100; ++row) {
+    ASSERT_EQ(data().getVariantCost(row),
               2.0 * (static_cast<double>(row) + 10.0) + static_cast<double>(row) + 1.0);
   }
 }

@@ -1,6 +1,6 @@
 #include "Workbench/ProjectSession.h"
 
-#include "EmbeddedHost/SolverNumber.h"
+#include "EmbeddedHost/VersionLook.h"
 #include "HostModel/ChangeManager.h"
 #include "HostModel/EntityEditor.h"
 #include "HostModel/ModelVersion.h"
@@ -40,7 +40,8 @@ bool removeEnding(std::string &text, const std::string &ending) {
 // Where in a record's keys the one of the inputs is.
 constexpr std::size_t kInputsKey = 2;
 
-RowState stateOf(const EmbeddedHost::RunRecord &record, const std::string &inputsKey, bool isReadOnly) {
+// As if the inputs were those of the run.
+RowState stateOf(const EmbeddedHost::RunRecord &record, bool isReadOnly) {
   RowState state;
   switch (record.status) {
   case RunStatus::None:
@@ -55,11 +56,14 @@ RowState stateOf(const EmbeddedHost::RunRecord &record, const std::string &input
     state.reason = record.reason;
     break;
   case RunStatus::Ok:
-    state.status = record.keys.size() > kInputsKey && record.keys[kInputsKey] != inputsKey ? RowStatus::Stale
-                                                                                           : RowStatus::Ok;
+    state.status = RowStatus::Ok;
     break;
   }
   return state;
+}
+
+void appendCounted(std::string &all, const std::string &text) {
+  all.append(std::to_string(text.size())).append(":").append(text);
 }
 
 } // namespace
@@ -270,13 +274,10 @@ std::optional<double> ProjectSession::currentValue(const std::string &fullName) 
 
 std::string ProjectSession::inputsKey() const {
   std::string all;
-  const auto add = [&all](const std::string &text) {
-    all.append(std::to_string(text.size())).append(":").append(text);
-  };
   for (const ModelAttribute &attribute : m_model->attributes()) {
     if (!attribute.isResult) {
-      add(attribute.fullName());
-      add(shownText(attribute, attribute.value));
+      appendCounted(all, attribute.fullName());
+      appendCounted(all, shownText(attribute, attribute.value));
     }
   }
   QCryptographicHash hash(QCryptographicHash::Sha256);
@@ -284,24 +285,39 @@ std::string ProjectSession::inputsKey() const {
   return "inputs-1:" + hash.result().toHex().toStdString();
 }
 
+// The records first, as they come, and then one look at the inputs of each row that has to be looked at.
 void ProjectSession::assessFromRecords() {
-  if (m_states.empty()) {
-    return;
-  }
-  const VersionTour tour(*this);
-  const EmbeddedHost::Project::RunRecords records = m_project->runRecords();
-  for (std::size_t row = 0; row < m_states.size(); ++row) {
-    EntityModel::ModelVersion *version = rowVersion(row);
+  struct RecordedRow {
+    EntityModel::ModelVersion *version = nullptr;
     RowState state;
-    if (version == nullptr) {
+    std::optional<std::string> inputsKey; // of the inputs that a solved row was solved with
+  };
+  std::vector<RecordedRow> rows(m_states.size());
+  std::unordered_map<const EntityModel::ModelVersion *, std::size_t> rowOf;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    rows[row].version = rowVersion(row);
+    rowOf.emplace(rows[row].version, row);
+  }
+  m_project->forEachRun([&](const EntityModel::ModelVersion &version, const EmbeddedHost::RunRecord &record) {
+    if (const auto known = rowOf.find(&version); known != rowOf.end()) {
+      RecordedRow &row = rows[known->second];
+      row.state = stateOf(record, m_project->isReadOnlyProject());
+      if (row.state.status == RowStatus::Ok && record.keys.size() > kInputsKey) {
+        row.inputsKey = record.keys[kInputsKey];
+      }
+    }
+  });
+  EmbeddedHost::VersionLook look(*m_project);
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    RowState state = std::move(rows[row].state);
+    if (rows[row].version == nullptr) {
       state.status = RowStatus::Failed;
       state.reason = "start: the version of \"" + rowName(row) + "\" is gone";
     } else {
-      const auto known = records.find(version);
-      const EmbeddedHost::RunRecord record =
-          known == records.end() ? EmbeddedHost::RunRecord() : known->second;
-      const EmbeddedHost::CommandResult switched = m_commands.switchVersion(version);
-      state = stateOf(record, switched ? inputsKey() : "", m_project->isReadOnlyProject());
+      look.at(*rows[row].version);
+      if (rows[row].inputsKey && *rows[row].inputsKey != inputsKey()) {
+        state.status = RowStatus::Stale;
+      }
       const std::string broken =
           infeasibility([this](const std::string &name) { return currentValue(name); });
       if (!broken.empty()) {

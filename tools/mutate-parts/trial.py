@@ -129,7 +129,8 @@ class Build:
 
     def compile_command(self, name, overlay, output, level):
         words = []
-        for word in self.commands[name]:
+        known = self.commands[name]
+        for word in known if level == "-O0" else without_precompiled(known):
             if word == f"-I{self.root}":
                 words += [f"-I{overlay}", f"-I{self.tree}"]
             elif not re.fullmatch(r"-O\w|-g\w*|.*ccache", word):
@@ -159,6 +160,17 @@ class Build:
         return seen
 
 
+def without_precompiled(words):
+    """The compiler takes precompiled headers only at the level that they were made with."""
+    kept, index = [], 0
+    while index < len(words):
+        is_given = words[index] == "-Xclang" and words[index + 1] in ("-include-pch", "-include")
+        if not is_given and words[index] != "-Winvalid-pch":
+            kept.append(words[index])
+        index += 4 if is_given else 1
+    return kept
+
+
 def refresh(work, name):
     """Makes an empty folder of that name directly below the tool's own folder."""
     path = os.path.join(os.path.realpath(work), name)
@@ -180,6 +192,7 @@ class Worker:
         os.chmod(self.place, 0o755)
         self.overlay = os.path.join(self.place, "overlay")
         self.home = os.path.join(self.place, "home")
+        self.complaint = ""
         os.makedirs(self.overlay)
 
     def remove(self):
@@ -194,10 +207,10 @@ class Worker:
         return target
 
     def compile(self, name, level="-O0", extra=()):
-        """The object's bytes, or None when it does not compile."""
+        """The object's bytes, or None when it does not compile; complaint then says why."""
         output = os.path.join(self.place, "mutant.o")
         command = self.build.compile_command(name, self.overlay, output, level)
-        status, _ = self.processes.run([*command, *extra], 300)
+        status, self.complaint = self.processes.run([*command, *extra], 300)
         if status != 0:
             return None
         with open(output, "rb") as file:

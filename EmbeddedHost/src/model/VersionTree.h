@@ -78,6 +78,8 @@ public:
   std::int64_t nextNumber() const { return m_nextNumber; }
   /// Shows a version and makes it current without telling anybody; null leaves none current.
   void makeCurrent(Version *version);
+  /// Shows a version without making it current: to be read only, until makeCurrent().
+  void look(Version &version) { show(version, nullptr); }
 
   /// \name What is not saved yet
   /// @{

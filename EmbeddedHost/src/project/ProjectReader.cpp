@@ -137,19 +137,56 @@ void readVersions(Database &database, Model &model) {
   }
 }
 
+/// Finds the slots of rows. The versions of a study edit the same slots in the same order, so each row is compared with
+/// the one at its place in the version before first.
+class SlotSequence {
+public:
+  SlotSequence(const Model &model, TextReader &texts) : m_model(model), m_texts(texts) {}
+
+  void begin() { m_next = 0; }
+  /// \return null when there is no such slot
+  Slot *next(std::int64_t entity, std::int64_t path) {
+    if (m_next == m_known.size()) {
+      m_known.emplace_back();
+    }
+    Known &known = m_known[m_next++];
+    if (known.entity != entity || known.path != path) {
+      if (m_owner == nullptr || m_owner->number() != entity) {
+        m_owner = m_model.findEntity(entity);
+      }
+      known = {entity, path, m_owner == nullptr ? nullptr : m_owner->findSlot(m_texts.path(path))};
+    }
+    return known.slot;
+  }
+
+private:
+  struct Known {
+    std::int64_t entity = 0; // which no entity has
+    std::int64_t path = 0;
+    Slot *slot = nullptr;
+  };
+
+  const Model &m_model;
+  TextReader &m_texts;
+  ModelEntity *m_owner = nullptr; // of the last row that was looked up
+  std::vector<Known> m_known;
+  std::size_t m_next = 0;
+};
+
 void readValues(Statement &rows, Database &database, Model &model) {
   TextReader texts(database);
   ValueReader values(model, texts);
   const auto &versions = model.tree().versions();
   Version *version = nullptr;
   std::int64_t versionNumber = kProjectLevel;
-  ModelEntity *entity = nullptr;
+  SlotSequence slots(model, texts);
   std::vector<Edit> edits;
   const auto finishVersion = [&] {
     if (version != nullptr) {
-      version->edits.assign(edits);
+      version->edits.take(edits);
     }
     edits.clear();
+    slots.begin();
   };
   while (rows.step()) {
     if (rows.integer(0) != versionNumber) {
@@ -161,10 +198,7 @@ void readValues(Statement &rows, Database &database, Model &model) {
       }
       version = found->second.get();
     }
-    if (entity == nullptr || entity->number() != rows.integer(1)) {
-      entity = model.findEntity(rows.integer(1));
-    }
-    Slot *slot = entity == nullptr ? nullptr : entity->findSlot(texts.path(rows.integer(2)));
+    Slot *slot = slots.next(rows.integer(1), rows.integer(2));
     if (slot == nullptr || Model::isProjectLevel(*slot) != (version == nullptr)) {
       throw DamagedProject("a value of an unknown attribute");
     }

@@ -76,8 +76,12 @@ RunRecord readRunOf(Database &database, std::int64_t version) {
 }
 
 // Only one program writes at a time, so a run that this one did not begin has nobody left to finish it.
+bool isLost(const Project::Parts &own, std::int64_t version, const RunRecord &record) {
+  return record.status == RunStatus::Running && !own.isReadOnly && own.begunRuns.count(version) == 0;
+}
+
 RunRecord asSeenHere(const Project::Parts &own, std::int64_t version, RunRecord record) {
-  if (record.status == RunStatus::Running && !own.isReadOnly && own.begunRuns.count(version) == 0) {
+  if (isLost(own, version, record)) {
     record.status = RunStatus::Failed;
     record.reason = kLostRun;
   }
@@ -212,15 +216,35 @@ RunRecord Project::runRecord(const EntityModel::ModelVersion &version) const {
   return asSeenHere(own, known->number(), readRunOf(own.file->database(), known->number()));
 }
 
-Project::RunRecords Project::runRecords() const {
+void Project::forEachRun(
+    const std::function<void(const EntityModel::ModelVersion &, const RunRecord &)> &visit) const {
   const Parts &own = *m_parts;
   const auto &versions = own.model.tree().versions();
-  RunRecords records;
-  for (auto &[number, record] : own.keepsRuns() ? own.runs : own.readRuns(own.file->database())) {
-    if (const auto version = versions.find(number); version != versions.end()) {
-      records.emplace(version->second.get(), asSeenHere(own, number, record));
+  const auto visitAll = [&](const std::unordered_map<std::int64_t, RunRecord> &runs) {
+    for (const auto &[number, record] : runs) {
+      const auto version = versions.find(number);
+      if (version == versions.end()) {
+        continue;
+      }
+      if (isLost(own, number, record)) {
+        visit(*version->second, asSeenHere(own, number, record));
+      } else {
+        visit(*version->second, record);
+      }
     }
+  };
+  if (own.keepsRuns()) {
+    visitAll(own.runs);
+  } else {
+    visitAll(own.readRuns(own.file->database()));
   }
+}
+
+Project::RunRecords Project::runRecords() const {
+  RunRecords records;
+  forEachRun([&records](const EntityModel::ModelVersion &version, const RunRecord &record) {
+    records.emplace(&version, record);
+  });
   return records;
 }
 
