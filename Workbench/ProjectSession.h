@@ -133,6 +133,11 @@ private:
     bool isInput = true;
     std::size_t index = 0;
   };
+  // An attribute that is no result, with what stands for its name in inputsKey(), which is asked for every row.
+  struct KeyedInput {
+    const ModelAttribute *attribute;
+    std::string countedName;
+  };
   std::vector<PricedGroup> pricedGroups() const;
   bool lacksValue(std::size_t row, const std::vector<PricedGroup> &groups) const;
   void buildRule();
@@ -143,6 +148,7 @@ private:
   EmbeddedHost::Commands m_commands;
   EntityModel::ModelVersion *m_baseline;
   std::unique_ptr<ProjectModel> m_model;
+  std::vector<KeyedInput> m_keyedInputs; // of the model
   std::optional<StudyExpression> m_rule;
   std::vector<std::string> m_names;
   std::vector<RowState> m_states;

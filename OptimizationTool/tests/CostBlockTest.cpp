@@ -266,6 +266,17 @@ TEST_F(CostBlockForeignFunctionTest, Price_FunctionOfAnApplicationThatThrows_IsN
 
 TEST_F(CostBlockForeignFunctionTest, Price_FunctionOfAnApplication_IsCalledBeforeTheNextRowIsRead) {
   addRows(600);
+  int callsAtReading = -1;
+  cell(11).onReading = [&callsAtReading] {
+    callsAtReading = CountedFunction::calls;
+  };
+  price("1.0 + counted(%x%)");
+  EXPECT_EQ(callsAtReading, 11);
+  EXPECT_EQ(cost(11), 24.0);
+}
+
+TEST_F(CostBlockForeignFunctionTest, Price_CellThatThrows_FunctionWasCalledForTheRowsBeforeItOnly) {
+  addRows(600);
   cell(10).valueFault = "gone";
   EXPECT_EQ(thrownBy([this] { price("1.0 + counted(%x%)"); }), "std::runtime_error: gone");
   EXPECT_EQ(CountedFunction::calls, 10);

@@ -8,10 +8,9 @@
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/tests/StudyDataFixture.h"
 
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QTranslator>
+#include <gtest/gtest.h>
 
 #include <cstring>
 #include <limits>

@@ -24,6 +24,9 @@ using OptimizationTool::OptimizationGroups;
 using OptimizationTool::OptimizationVariant;
 
 bool PricedCell::hasValue() const {
+  if (onReading) {
+    onReading();
+  }
   if (!valueFault.empty()) {
     throw std::runtime_error(valueFault);
   }
@@ -48,6 +51,7 @@ std::unique_ptr<Attribute> PricedCell::clone() const {
   copy->shownUnits = shownUnits;
   copy->valueFault = valueFault;
   copy->unitsFault = unitsFault;
+  copy->onReading = onReading;
   return copy;
 }
 

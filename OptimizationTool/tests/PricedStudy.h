@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <random>
@@ -34,6 +35,8 @@ public:
   /// What hasValue() and getUnits() throw; nothing when empty.
   std::string valueFault;
   std::string unitsFault;
+  /// What hasValue() does first; nothing when empty.
+  std::function<void()> onReading;
 };
 
 /// What pricing leaves behind.

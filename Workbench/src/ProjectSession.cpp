@@ -62,8 +62,9 @@ RowState stateOf(const EmbeddedHost::RunRecord &record, bool isReadOnly) {
   return state;
 }
 
-void appendCounted(std::string &all, const std::string &text) {
-  all.append(std::to_string(text.size())).append(":").append(text);
+// Such that no two lists of texts give the same bytes.
+std::string counted(const std::string &text) {
+  return std::to_string(text.size()) + ":" + text;
 }
 
 } // namespace
@@ -169,6 +170,12 @@ void ProjectSession::makeStudyCurrent() {
 
 void ProjectSession::readModel() {
   m_model = std::make_unique<ProjectModel>(*m_project);
+  m_keyedInputs.clear();
+  for (const ModelAttribute &attribute : m_model->attributes()) {
+    if (!attribute.isResult) {
+      m_keyedInputs.push_back({&attribute, counted(attribute.fullName())});
+    }
+  }
   buildRule();
 }
 
@@ -274,11 +281,8 @@ std::optional<double> ProjectSession::currentValue(const std::string &fullName) 
 
 std::string ProjectSession::inputsKey() const {
   std::string all;
-  for (const ModelAttribute &attribute : m_model->attributes()) {
-    if (!attribute.isResult) {
-      appendCounted(all, attribute.fullName());
-      appendCounted(all, shownText(attribute, attribute.value));
-    }
+  for (const KeyedInput &input : m_keyedInputs) {
+    all.append(input.countedName).append(counted(shownText(*input.attribute, input.attribute->value)));
   }
   QCryptographicHash hash(QCryptographicHash::Sha256);
   hash.addData(all.data(), static_cast<int>(all.size()));
