@@ -58,6 +58,9 @@ public:
   static std::unique_ptr<Project> open(const std::string &file, const SchemaChange &change,
                                        std::string &problem, const HostBehaviour &behaviour = {});
   ~Project() override;
+  /// Whether another program may have the file open for writing: false when none has, or when the one that had it has
+  /// ended without closing it.
+  static bool isHeld(const std::string &file);
 
   /// \name The host
   /// @{
@@ -134,6 +137,7 @@ public:
   /// looks at many versions.
   RunRecords runRecords() const;
   /// The same, one after the other in any order, without a copy of them all: records hold what solvers printed.
+  /// \param visit  must neither begin nor record a run
   void forEachRun(const std::function<void(const EntityModel::ModelVersion &version, const RunRecord &record)>
                       &visit) const;
   /// Stores, in one durable transaction of its own, that a run of a version begins: a record with the status Running,

@@ -55,6 +55,10 @@ protected:
   virtual ~UnitSystem() = default;
 };
 
+/// UnitSystem::convert() without what rounding adds, see withoutRoundingNoise(): for values that people typed and will
+/// see again. 3 mm are 0.3 cm.
+double convertReadably(double value, const Unit &from, const Unit &to);
+
 /// What to say besides when two units do not convert: " ("C" is the coulomb; degrees Celsius are "degC")" when one of
 /// them is "C", the same for "F", otherwise "".
 std::string conversionHint(std::string_view first, std::string_view second);

@@ -9,7 +9,7 @@ namespace EmbeddedHost {
 class Project;
 
 /// Shows the values of one version after the other, to be read and not changed, for as long as it lives; afterwards
-/// those of the current version are shown again. The current version stays what it is and no observer is told, so
+/// those that were shown before are shown again. The current version stays what it is and no observer is told, so
 /// nothing but reading values may happen meanwhile. For whoever reads many versions: no list of changes is made.
 class VersionLook {
 public:
@@ -23,6 +23,7 @@ public:
 
 private:
   const Project &m_project;
+  EntityModel::ModelVersion *m_before;
 };
 
 } // namespace EmbeddedHost

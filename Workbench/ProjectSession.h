@@ -25,8 +25,8 @@ namespace Workbench {
 /// Why a project could not be opened.
 struct OpenFailure {
   std::string problem;
-  /// It can be read, but not changed now: another program holds it, or it may not be written.
-  bool isReadable = false;
+  /// It cannot be changed or made now: another program holds it, or it may not be written.
+  bool isHeld = false;
 };
 
 /// A project that is open and installed as the host of the process, with its study held by the study manager. It drives

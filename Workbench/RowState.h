@@ -16,9 +16,13 @@ enum class RowStatus {
 
 struct RowState {
   RowStatus status = RowStatus::NotRun;
-  std::string reason; ///< of a failed or infeasible row
+  /// Of a failed or infeasible row; of a stale one what has changed, where that is known.
+  std::string reason;
   bool isInStudyFile = true;
 };
+
+/// The reason of a stale row that need not be run again while the files of its last run are kept.
+constexpr const char *kReadAnew = "its results are read in another way";
 
 /// One word for people and files: "not run", "running", "ok", "stale", "failed" or "infeasible".
 const char *statusWord(RowStatus status);

@@ -54,6 +54,8 @@ struct SolveReport {
   std::size_t solved = 0; ///< by this solve
   std::size_t failed = 0; ///< by this solve
   std::size_t alreadySolved = 0;
+  std::size_t withoutFiles =
+      0; ///< were to be read from kept files that are not there, and were left as they are
   std::size_t extracted = 0;  ///< read again from the files of their last run, without a run
   std::size_t infeasible = 0; ///< break the rule and are never run
   bool isInterrupted = false;

@@ -66,7 +66,12 @@ std::string undefinedName(const ExpressionNote &problem);
 /// is none.
 std::string infeasibility(const std::optional<StudyExpression> &rule, const AttributeValues &inputs);
 
+struct StudyAttribute;
 struct StudyFile;
+
+/// What is wrong with a number as the value of an attribute that takes whole numbers: "no whole number" or that it is
+/// too large to be kept as one; "" when it is right, and for any other attribute.
+std::string wholeNumberFault(const StudyAttribute &attribute, double value);
 
 /// The rule and the formulas of a study, built once and evaluated for any number of rows.
 class StudyExpressions {

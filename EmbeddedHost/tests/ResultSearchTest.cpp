@@ -102,12 +102,20 @@ TEST(ResultSearchTest, Key_IsFollowedByASeparatorAndTheNumber) {
       {"mass\n", "out: no line holds the key \"mass\" with a value"},
       {"mass =\n", "out:1: nothing stands where the number should"},
       {"mass = 12.5kg\n", "out:1: \"12.5kg\" is not a number"},
-      {"mass is 5\n", "out:1: \"is\" is not a number"}};
+      {"mass is 5\n", "out:1: \"is\" is not a number"},
+      // Half of a number of another locale, or of one with its thousands apart, would be a wrong number.
+      {"mass = 1,5\n", "out:1: \"1,5\" is not a number"},
+      {"mass = 12,345.6 kg\n", "out:1: \"12,345.6\" is not a number"},
+      {"mass = 1;5\n", "out:1: \"1;5\" is not a number"},
+      {"mass = 1,width = 5\n", "1. in 1"},
+      {"mass = 1, 5\n", "1. in 1"}};
   for (const Case &row : rows) {
     EXPECT_EQ(found(rule, row.text), row.expected) << row.text;
   }
   rule.separators = "=";
   EXPECT_EQ(found(rule, "mass is 5\nmass = 6\n"), "6. in 2");
+  rule.separators = ",";
+  EXPECT_EQ(found(rule, "mass,6,7\n"), "6. in 1");
   rule.separators = "|";
   rule.key = "max. temperature";
   EXPECT_EQ(found(rule, "| max. temperature | 88.5 |\n"), "88.5 in 1");

@@ -78,5 +78,17 @@ TEST_F(VersionLookTest, EditAfterwards_IsOfTheCurrentVersionOnly) {
   EXPECT_EQ(text(partA, "Count"), "10");
 }
 
+TEST_F(VersionLookTest, End_WithoutACurrentVersion_ShowsWhatWasShown) {
+  show(first);
+  project->changeManager().setCurrentVersion(nullptr, nullptr, false, nullptr, true);
+  {
+    VersionLook look(*project);
+    ASSERT_TRUE(look.at(*second));
+    EXPECT_EQ(text(partA, "Note"), "of the second");
+  }
+  EXPECT_EQ(text(partA, "Note"), "");
+  EXPECT_EQ(text(partA, "Count"), "11");
+}
+
 } // namespace
 } // namespace EmbeddedHost

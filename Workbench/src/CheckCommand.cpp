@@ -2,6 +2,7 @@
 
 #include "EmbeddedHost/SolverNumber.h"
 #include "HostModel/ModelVersion.h"
+#include "OptimizationTool/OptimizationData.h"
 #include "Workbench/ExitCode.h"
 #include "Workbench/ModelDeclaration.h"
 #include "Workbench/ProgressPrinter.h"
@@ -64,8 +65,8 @@ void printDifferences(const std::string &name, const std::string &baseline, cons
     const std::string before = line < left.size() ? left[line] : "";
     const std::string after = line < right.size() ? right[line] : "";
     if (before != after) {
-      out << "  " << name << ":" << line + 1 << ": -" << before << "\n  " << name << ":" << line + 1 << ": +"
-          << after << "\n";
+      out << "  " << name << ":" << line + 1 << ": -" << inOneLine(before) << "\n  " << name << ":"
+          << line + 1 << ": +" << inOneLine(after) << "\n";
     }
   }
 }
@@ -100,6 +101,20 @@ std::optional<Rendered> render(StudySession &session, const SolverSetup &setup, 
   return commands ? std::optional<Rendered>({std::move(*files), std::move(*commands)}) : std::nullopt;
 }
 
+// What only formulas or the cost use is in no file.
+void printInputDifferences(const StudySession &session, std::ostream &out) {
+  for (std::size_t group = 0; group < session.groupCount(true); ++group) {
+    const ModelAttribute &attribute = *session.groupAttribute(true, group);
+    const auto textOf = [&](std::size_t row) {
+      const std::string text = shownText(attribute, session.data().getVariantGroup(true, row, group));
+      return inOneLine(text) + (attribute.unit.empty() ? "" : " " + attribute.unit);
+    };
+    if (const std::string before = textOf(0), after = textOf(1); before != after) {
+      out << "  " << attribute.fullName() << ": " << before << " -> " << after << "\n";
+    }
+  }
+}
+
 // \return false when a row cannot be rendered
 bool checkRendering(StudySession &session, const SolverSetup &setup, const Console &console) {
   const VersionTour tour(session);
@@ -114,15 +129,22 @@ bool checkRendering(StudySession &session, const SolverSetup &setup, const Conso
     return false;
   }
   if (session.rowCount() > 1) {
-    console.out << "Row 1, " << session.rowName(1) << ", differs from the baseline in\n";
+    std::ostringstream differences;
     for (std::size_t file = 0; file < baseline->files.size(); ++file) {
       printDifferences(baseline->files[file].name, baseline->files[file].content, first->files[file].content,
-                       console.out);
+                       differences);
     }
     for (std::size_t stage = 0; stage < baseline->commands.size(); ++stage) {
       printDifferences("command", joinedWords(baseline->commands[stage]), joinedWords(first->commands[stage]),
-                       console.out);
+                       differences);
     }
+    if (differences.str().empty()) {
+      printInputDifferences(session, differences);
+    }
+    console.out << "Row 1, " << inOneLine(session.rowName(1))
+                << (differences.str().empty() ? ", has the inputs of the baseline\n"
+                                              : ", differs from the baseline in\n")
+                << differences.str();
   }
   return true;
 }

@@ -48,6 +48,15 @@ void checkWriting(const std::string &file, Findings &findings) {
                  "meanwhile.");
 }
 
+// Whether the study file has the files of every run kept; so when it cannot be told.
+bool keepsAllFiles(const std::string &project) {
+  const std::string file = ProjectSession::studyFileOf(project);
+  const HostUnits units;
+  std::vector<FileProblem> ignored;
+  const std::optional<StudyFile> study = file.empty() ? std::nullopt : StudyFile::read(file, units, ignored);
+  return !study || (!study->solver.stages.empty() && study->solver.keep == KeptFiles::All);
+}
+
 void checkRows(ProjectSession &session, Findings &findings) {
   std::size_t gone = 0;
   std::size_t filesGone = 0;
@@ -72,6 +81,11 @@ void checkRows(ProjectSession &session, Findings &findings) {
   findings.check(incomplete == 0, "every solved row has all its outputs",
                  numbered(incomplete, "output of a solved row is", "outputs of solved rows are") + " missing",
                  "Solve again: optstudy run STUDY-FILE --fresh, or set an input and set it back.");
+  if (filesGone > 0 && !keepsAllFiles(session.fileName())) {
+    findings.good("the files of " + numbered(filesGone, "solved row are", "solved rows are") +
+                  " not there, as the study file has it");
+    return;
+  }
   findings.check(
       filesGone == 0, "the files of every solved row are there",
       "the files of " + numbered(filesGone, "solved row are", "solved rows are") + " not there",

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <ostream>
+#include <set>
 
 namespace Workbench {
 
@@ -39,12 +40,19 @@ std::string writeWhole(const std::string &file, const std::string &text) {
 int exportMatrix(const ProjectSession &session, OutputFormat format, const std::string &file,
                  const Console &console) {
   const MatrixTable table = MatrixTable::of(session);
-  const std::string text = format == OutputFormat::Json ? table.toJson() : table.toCsv();
+  // What is read back by its ending is written by it.
+  const bool isJson = format == OutputFormat::Json ||
+                      (format == OutputFormat::Table && std::filesystem::path(file).extension() == ".json");
+  const std::string text = isJson ? table.toJson() : table.toCsv();
   if (file.empty() || file == "-") {
     console.out << text;
     return ExitCode::kDone;
   }
   std::error_code ignored;
+  if (std::filesystem::equivalent(file, session.project().file(), ignored)) {
+    console.error(file + " is the project itself; give another name.");
+    return ExitCode::kUsage;
+  }
   if (std::filesystem::exists(file, ignored) &&
       (!console.confirm || !console.confirm("Replace " + file + "?"))) {
     console.error(file + " exists already; give another name, or remove it first.");
@@ -78,6 +86,12 @@ std::string planRow(const ProjectSession &session, const InputIndex &known, cons
   std::string problem;
   step.name = tableRow.name;
   step.row = tableRow.name.empty() ? std::nullopt : session.findRow(tableRow.name);
+  if (!tableRow.name.empty() && !step.row) {
+    problem = rowNameProblem(session, tableRow.name);
+    if (!problem.empty()) {
+      return problem;
+    }
+  }
   const std::optional<std::vector<std::string>> texts =
       inputTexts(session, step.row.value_or(0), tableRow.values, problem);
   if (!texts) {
@@ -121,8 +135,11 @@ std::string importRows(ProjectSession &session, const std::string &file, const s
                        const Console &console) {
   const InputIndex known(session);
   std::vector<ImportStep> steps(rows.size());
+  std::set<std::string> names;
   for (std::size_t index = 0; index < rows.size(); ++index) {
-    const std::string problem = planRow(session, known, rows[index], steps[index]);
+    const bool isNew = rows[index].name.empty() || names.insert(rows[index].name).second;
+    const std::string problem = isNew ? planRow(session, known, rows[index], steps[index])
+                                      : "there are two rows \"" + rows[index].name + "\" in the table";
     if (!problem.empty()) {
       std::string place = file;
       place.append(":").append(std::to_string(rows[index].line)).append(": ").append(problem);

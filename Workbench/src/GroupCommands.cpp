@@ -5,6 +5,7 @@
 #include "Workbench/NearestWord.h"
 #include "Workbench/src/ProjectArgument.h"
 #include "Workbench/src/StudyEditing.h"
+#include "Workbench/src/StudyFileReader.h"
 
 #include <array>
 #include <ostream>
@@ -55,10 +56,17 @@ std::string checkAttribute(const ProjectSession &session, bool isInput, const st
   return "";
 }
 
+std::string groupNameProblem(const ProjectSession &session, const std::string &name) {
+  if (name.empty()) {
+    return "";
+  }
+  return findGroup(session, name) ? "There is a group \"" + name + "\" already" : groupTitleProblem(name);
+}
+
 std::string addGroup(ProjectSession &session, bool isInput, const std::vector<std::string> &attributes,
                      const std::string &name) {
-  if (!name.empty() && findGroup(session, name)) {
-    return "There is a group \"" + name + "\" already";
+  if (std::string problem = groupNameProblem(session, name); !problem.empty()) {
+    return problem;
   }
   std::vector<const ModelAttribute *> checked;
   for (const std::string &attribute : attributes) {
@@ -85,6 +93,9 @@ std::string addGroup(ProjectSession &session, bool isInput, const std::vector<st
   reloadStudy(session);
   return "";
 }
+
+// The places of limits in lists of them.
+enum : std::size_t { kMinimum, kMaximum, kStep, kLowBound, kHighBound };
 
 std::string setLimits(ProjectSession &session, const GroupPlace &place, const TypedLimits &limits) {
   const ModelAttribute *declared = session.groupAttribute(true, place.index);
@@ -124,7 +135,7 @@ std::string setLimits(ProjectSession &session, const GroupPlace &place, const Ty
       continue;
     }
     std::string problem;
-    const bool isStep = index == 2;
+    const bool isStep = index == kStep;
     const std::optional<std::string> text = isStep ? stepText(*declared, *all[index].typed, problem)
                                                    : modelText(*declared, *all[index].typed, problem);
     if (!text) {
@@ -133,6 +144,21 @@ std::string setLimits(ProjectSession &session, const GroupPlace &place, const Ty
     texts[index] = *text;
   }
   const OptimizationGroup group = groupAt(session, place);
+  const OptimizationGroupVariable front = group.getFrontVariable();
+  const std::array<std::string, 5> present{front.getMinimumValue(), front.getMaximumValue(),
+                                           front.getStepValue(), front.getLowBound().value_or(""),
+                                           front.getHighBound().value_or("")};
+  const auto after = [&](std::size_t index) {
+    const std::optional<WrittenQuantity> written =
+        readQuantity(all.at(index).typed ? texts.at(index) : present.at(index));
+    return written ? std::optional<double>(written->number) : std::nullopt;
+  };
+  if (after(kMinimum) && after(kMaximum) && *after(kMinimum) > *after(kMaximum)) {
+    return "The maximum is below the minimum";
+  }
+  if (after(kLowBound) && after(kHighBound) && *after(kLowBound) > *after(kHighBound)) {
+    return "The high bound is below the low bound";
+  }
   for (int number = 0; number < group.size(); ++number) {
     OptimizationGroupVariable variable = group.getVariable(number);
     for (std::size_t index = 0; index < all.size(); ++index) {
@@ -187,9 +213,14 @@ int removeGroupCommand(const std::string &project, bool isInput, const std::stri
     if (isInput) {
       takeBaselineValue(session, place->index);
     }
+    const std::string macro = groupAt(session, *place).getAttributeMacro();
     session.data().removeGroup(isInput, static_cast<int>(place->index));
     reloadStudy(session);
     console.note(std::string("Removed the ") + sideWord(isInput) + " \"" + group + "\"");
+    if (session.data().getCostFunction().find("%" + macro + "%") != std::string::npos) {
+      console.note("warning: the cost names %" + macro +
+                   "%: no row has a cost until \"optstudy cost\" sets another one");
+    }
     return "";
   });
 }
@@ -201,8 +232,8 @@ int renameGroupCommand(const std::string &project, const std::string &group, con
     if (!place) {
       return unknownGroup(session, group);
     }
-    if (!name.empty() && findGroup(session, name)) {
-      return "There is a group \"" + name + "\" already";
+    if (std::string problem = groupNameProblem(session, name); !problem.empty()) {
+      return problem;
     }
     session.data().setGroupName(place->isInput, static_cast<int>(place->index), name);
     reloadStudy(session); // which groups a cost mentions is decided by their names

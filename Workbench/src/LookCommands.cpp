@@ -1,6 +1,9 @@
 #include "Workbench/LookCommands.h"
 
+#include "ExpressionBuilder/Expression.h"
+#include "ExpressionBuilder/SimpleVariableCollection.h"
 #include "HostModel/ModelVersion.h"
+#include "OptimizationTool/CostFunctionBuilder.h"
 #include "OptimizationTool/OptimizationData.h"
 #include "Workbench/ExitCode.h"
 #include "Workbench/MatrixTable.h"
@@ -63,13 +66,36 @@ int printMatrix(const ProjectSession &session, const ShowOptions &options, const
   return ExitCode::kDone;
 }
 
+// Why the cost cannot be built; "" when it can, or there is none.
+std::string problemOfCost(const ProjectSession &session) {
+  const std::string cost = session.data().getCostFunction();
+  const OptimizationTool::CostFunctionBuilder builder(session.data());
+  return cost.find_first_not_of(" \t") == std::string::npos || builder.create(cost) != nullptr
+             ? ""
+             : builder.getLastBuildError();
+}
+
+std::string whyNoBest(const ProjectSession &session, const MatrixTable &table) {
+  if (session.data().getOptimisationTarget() == OptimisationStrategy::None) {
+    return "The study has no target: \"optstudy target PROJECT minimise\" sets one.";
+  }
+  if (!table.hasCost) {
+    return "The study has no cost: \"optstudy cost PROJECT TEXT\" sets one.";
+  }
+  if (const std::string problem = problemOfCost(session); !problem.empty()) {
+    return "No row has a cost, because it cannot be built: " + problem +
+           "; \"optstudy cost PROJECT TEXT\" sets another one.";
+  }
+  return RowCounts::of(table).ok == 0
+             ? "No row has a cost: \"optstudy status\" says why rows are not solved."
+             : "No row has a cost that is a number: \"optstudy show\" shows what they have.";
+}
+
 int printBest(const ProjectSession &session, OutputFormat format, const Console &console) {
   MatrixTable table = MatrixTable::of(session);
   const MatrixTable::Row *best = table.bestNumber ? table.find(*table.bestNumber) : nullptr;
   if (best == nullptr) {
-    console.error(session.data().getOptimisationTarget() == OptimisationStrategy::None
-                      ? "The study has no target: \"optstudy target PROJECT minimise\" sets one."
-                      : "No row has a cost: \"optstudy status\" says why rows are not solved.");
+    console.error(whyNoBest(session, table));
     return ExitCode::kNoRowSolved;
   }
   const std::string line = bestLine(table);
@@ -117,7 +143,9 @@ int printStatus(const ProjectSession &session, OutputFormat format, const Consol
   for (const auto &[reason, count] : counts.reasons) {
     console.out << "  " << count << " failed: " << reason << "\n";
   }
+  const std::string problem = problemOfCost(session);
   console.out << "cost:   " << (cost.empty() ? "none" : cost) << "\n"
+              << (problem.empty() ? "" : "        which cannot be built: " + problem + "\n")
               << "target: " << targetWord(session.data().getOptimisationTarget()) << "\n";
   const std::string best = bestLine(table);
   console.out << best << (best.empty() ? "" : "\n");
@@ -166,7 +194,7 @@ int printLog(const ProjectSession &session, std::size_t row, const Console &cons
   if (record.status == EmbeddedHost::RunStatus::None) {
     return ExitCode::kDone;
   }
-  console.out << "command:   " << joinedWords(record.command) << "\n"
+  console.out << "command:   " << inOneLine(joinedWords(record.command)) << "\n"
               << "duration:  " << shortNumber(record.durationSeconds) << " s\n";
   if (record.exitCode) {
     console.out << "exit code: " << *record.exitCode << "\n";
@@ -215,6 +243,11 @@ int bestCommand(const std::string &project, OutputFormat format, const Console &
 }
 
 int statusCommand(const std::string &project, OutputFormat format, const Console &console) {
+  if (format == OutputFormat::Csv) {
+    console.error(
+        "The status is no table: \"--format json\" is for programs, \"optstudy export\" writes CSV.");
+    return ExitCode::kUsage;
+  }
   return withStudy(project, OpenMode::ReadOnly, console,
                    [&](ProjectSession &session) { return printStatus(session, format, console); });
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <functional>
 
 namespace Workbench {
@@ -60,8 +61,10 @@ struct SortKey {
   std::string text;
 };
 
+// A cost may be no number, which stands in no order.
 SortKey keyOf(const std::optional<double> &number) {
-  return {!number.has_value(), number, ""};
+  const bool isMissing = !number.has_value() || std::isnan(*number);
+  return {isMissing, isMissing ? std::nullopt : number, ""};
 }
 
 SortKey keyOfText(const std::string &text) {

@@ -50,15 +50,6 @@ std::string listText(const std::vector<std::string> &words) {
   return text;
 }
 
-// A number with its unit, as the host reads it, in another unit.
-std::string inUnit(const std::string &text, const std::string &unit) {
-  const HostUnits units;
-  const std::optional<WrittenQuantity> written = readQuantity(text);
-  const std::optional<double> converted =
-      written ? units.convert(written->number, written->unit, unit) : std::nullopt;
-  return converted ? EmbeddedHost::writeSolverNumber(*converted) + " " + unit : text;
-}
-
 std::optional<double> convertedLimit(const std::optional<double> &limit, const std::string &from,
                                      const std::string &to) {
   const HostUnits units;
@@ -174,7 +165,7 @@ bool ModelChange::compareUnit(const StudyAttribute &declared, MemberType &member
   member.displayUnit = declared.unit;
   member.minimum = convertedLimit(member.minimum, before, declared.unit);
   member.maximum = convertedLimit(member.maximum, before, declared.unit);
-  member.defaultText = inUnit(member.defaultText, declared.unit);
+  member.defaultText = quantityIn(member.defaultText, declared.unit, false);
   return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "EmbeddedHost/SolverNumber.h"
 #include "Workbench/NearestWord.h"
+#include "Workbench/src/PlainText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,36 +23,6 @@ std::string kindOf(const StudyNode &node) {
   default:
     return "nothing";
   }
-}
-
-// The length of the well-formed UTF-8 sequence at `offset`, 0 when there is none or it is a NUL.
-std::size_t sequenceLength(const std::string &text, std::size_t offset) {
-  const auto byte = [&text](std::size_t index) {
-    return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
-  };
-  const auto continues = [&](std::size_t index) {
-    return (byte(index) & 0xC0U) == 0x80U;
-  };
-  const unsigned first = byte(offset);
-  if (first < 0x80U) {
-    return first == 0 ? 0 : 1;
-  }
-  const unsigned second = byte(offset + 1);
-  if (first >= 0xC2U && first <= 0xDFU) {
-    return continues(offset + 1) ? 2 : 0;
-  }
-  if (first >= 0xE0U && first <= 0xEFU) {
-    const bool isOverlong = first == 0xE0U && second < 0xA0U;
-    const bool isSurrogate = first == 0xEDU && second > 0x9FU;
-    return continues(offset + 1) && continues(offset + 2) && !isOverlong && !isSurrogate ? 3 : 0;
-  }
-  if (first >= 0xF0U && first <= 0xF4U) {
-    const bool isOverlong = first == 0xF0U && second < 0x90U;
-    const bool isTooLarge = first == 0xF4U && second > 0x8FU;
-    const bool isComplete = continues(offset + 1) && continues(offset + 2) && continues(offset + 3);
-    return isComplete && !isOverlong && !isTooLarge ? 4 : 0;
-  }
-  return 0;
 }
 
 // Where a text begins that YAML reads another way as soon as it stands elsewhere in its line: a placeholder or a
@@ -130,7 +101,7 @@ FilePlace NodeReader::placeIn(const StudyNode &scalar, std::size_t offset) const
 
 bool NodeReader::checkText() {
   for (std::size_t offset = 0; offset < m_text.size();) {
-    const std::size_t length = sequenceLength(m_text, offset);
+    const std::size_t length = utf8Length(m_text, offset);
     if (length == 0) {
       report(placeAt(offset), "the file is not UTF-8 text");
       return false;

@@ -57,7 +57,7 @@ int withProject(const std::string &argument, EmbeddedHost::OpenMode mode, const 
   const std::unique_ptr<ProjectSession> session = ProjectSession::open(file, mode, failure);
   if (!session) {
     console.error(failure.problem);
-    return failure.isReadable ? ExitCode::kHeld : ExitCode::kInvalid;
+    return failure.isHeld ? ExitCode::kHeld : ExitCode::kInvalid;
   }
   return action(*session);
 }
@@ -76,13 +76,22 @@ int withStudy(const std::string &argument, EmbeddedHost::OpenMode mode, const Co
 
 std::optional<std::size_t> rowNamed(const ProjectSession &session, const std::string &row,
                                     const Console &console) {
-  if (const std::optional<std::size_t> found = session.findRow(row)) {
-    return found;
+  const std::optional<std::size_t> found = session.findRow(row);
+  const std::optional<std::size_t> number = numberOf(row, session.rowCount());
+  if (found && number && *found != *number) {
+    console.error("\"" + row + "\" is the number of the row \"" + inOneLine(session.rowName(*number)) +
+                  "\" and the name of row " + std::to_string(*found) + ".");
+    console.error(
+        "Give that name for the one and that number for the other; \"optstudy rename\" gives it another "
+        "name.");
+    return std::nullopt;
   }
-  if (const std::optional<std::size_t> number = numberOf(row, session.rowCount())) {
-    return number;
+  if (found || number) {
+    return found ? found : number;
   }
-  console.error("There is no row \"" + row + "\"" + didYouMean(row, rowNames(session)));
+  // To a number no name is near.
+  const bool isNumber = EmbeddedHost::readSolverNumber(row).has_value();
+  console.error("There is no row \"" + row + "\"" + (isNumber ? "" : didYouMean(row, rowNames(session))));
   console.error("A row is given by its name or its number, 0 to " + std::to_string(session.rowCount() - 1) +
                 "; \"optstudy show\" lists them.");
   return std::nullopt;

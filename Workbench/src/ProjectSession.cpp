@@ -41,15 +41,15 @@ bool removeEnding(std::string &text, const std::string &ending) {
 constexpr std::size_t kInputsKey = 2;
 
 // As if the inputs were those of the run.
-RowState stateOf(const EmbeddedHost::RunRecord &record, bool isReadOnly) {
+// \param canRun  another program may be solving rows
+RowState stateOf(const EmbeddedHost::RunRecord &record, bool canRun) {
   RowState state;
   switch (record.status) {
   case RunStatus::None:
     break;
   case RunStatus::Running:
-    // Whoever may write the project is the only one, and has not begun anything.
-    state.status = isReadOnly ? RowStatus::Running : RowStatus::Failed;
-    state.reason = isReadOnly ? "" : EmbeddedHost::kLostRun;
+    state.status = canRun ? RowStatus::Running : RowStatus::Failed;
+    state.reason = canRun ? "" : EmbeddedHost::kLostRun;
     break;
   case RunStatus::Failed:
     state.status = RowStatus::Failed;
@@ -115,7 +115,7 @@ std::unique_ptr<EmbeddedHost::Project> ProjectSession::openForWriting(const std:
       EmbeddedHost::Project::open(projectFile, EmbeddedHost::OpenMode::ReadWrite, failure.problem);
   if (!project) {
     std::string ignored;
-    failure.isReadable =
+    failure.isHeld =
         EmbeddedHost::Project::open(projectFile, EmbeddedHost::OpenMode::ReadOnly, ignored) != nullptr;
   }
   return project;
@@ -296,16 +296,21 @@ void ProjectSession::assessFromRecords() {
     RowState state;
     std::optional<std::string> inputsKey; // of the inputs that a solved row was solved with
   };
+  if (m_states.empty()) {
+    return;
+  }
   std::vector<RecordedRow> rows(m_states.size());
   std::unordered_map<const EntityModel::ModelVersion *, std::size_t> rowOf;
   for (std::size_t row = 0; row < rows.size(); ++row) {
     rows[row].version = rowVersion(row);
     rowOf.emplace(rows[row].version, row);
   }
+  // Whoever may write the project is the only one, and has not begun anything.
+  const bool canRun = m_project->isReadOnlyProject() && EmbeddedHost::Project::isHeld(m_project->file());
   m_project->forEachRun([&](const EntityModel::ModelVersion &version, const EmbeddedHost::RunRecord &record) {
     if (const auto known = rowOf.find(&version); known != rowOf.end()) {
       RecordedRow &row = rows[known->second];
-      row.state = stateOf(record, m_project->isReadOnlyProject());
+      row.state = stateOf(record, canRun);
       if (row.state.status == RowStatus::Ok && record.keys.size() > kInputsKey) {
         row.inputsKey = record.keys[kInputsKey];
       }
@@ -318,8 +323,8 @@ void ProjectSession::assessFromRecords() {
       state.status = RowStatus::Failed;
       state.reason = "start: the version of \"" + rowName(row) + "\" is gone";
     } else {
-      look.at(*rows[row].version);
-      if (rows[row].inputsKey && *rows[row].inputsKey != inputsKey()) {
+      const bool isShown = look.at(*rows[row].version);
+      if (rows[row].inputsKey && (!isShown || *rows[row].inputsKey != inputsKey())) {
         state.status = RowStatus::Stale;
       }
       const std::string broken =

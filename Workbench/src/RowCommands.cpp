@@ -1,8 +1,8 @@
-#include "HostModel/ChangeManager.h"
 #include "HostModel/ModelVersion.h"
 #include "OptimizationTool/OptimizationData.h"
 #include "Workbench/EditCommands.h"
 #include "Workbench/ExitCode.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/ProjectArgument.h"
 #include "Workbench/src/StudyEditing.h"
 
@@ -13,17 +13,10 @@ namespace Workbench {
 
 namespace {
 
-std::string nameProblem(const ProjectSession &session, const std::string &name) {
-  if (session.project().changeManager().findVersion(name, nullptr) != nullptr) {
-    return "The name \"" + name + "\" belongs to another version of the project";
-  }
-  return name.empty() ? "A row's name must not be empty" : "";
-}
-
 std::string addRow(ProjectSession &session, const TypedValues &values, const std::string &name,
                    const Console &console) {
   if (!name.empty()) {
-    std::string problem = nameProblem(session, name);
+    std::string problem = rowNameProblem(session, name);
     if (!problem.empty()) {
       return problem;
     }
@@ -47,7 +40,7 @@ std::string addRow(ProjectSession &session, const TypedValues &values, const std
     return "The row could not be added";
   }
   session.rowWasAdded();
-  console.note("Added row " + std::to_string(row) + ", " + session.rowName(row) +
+  console.note("Added row " + std::to_string(row) + ", " + inOneLine(session.rowName(row)) +
                "; \"optstudy solve\" or \"optstudy run\" solves it");
   return "";
 }
@@ -75,7 +68,7 @@ std::string setRow(ProjectSession &session, std::size_t row, const TypedValues &
   }
   session.assessFromRecords();
   session.clearUnreliableCosts();
-  console.note("Row " + std::to_string(row) + ", " + session.rowName(row) + ", is now " +
+  console.note("Row " + std::to_string(row) + ", " + inOneLine(session.rowName(row)) + ", is now " +
                statusText(session.rowState(row)));
   return "";
 }
@@ -100,7 +93,7 @@ std::string removeRows(ProjectSession &session, const std::vector<std::string> &
     const std::string name = session.rowName(*row);
     session.data().removeVariant(*row, !keepVersions);
     session.refreshRows();
-    console.note("Removed row " + std::to_string(*row) + ", " + name +
+    console.note("Removed row " + std::to_string(*row) + ", " + inOneLine(name) +
                  (keepVersions ? "; its version stays in the project" : ""));
   }
   return "";
@@ -132,7 +125,7 @@ int renameRowCommand(const std::string &project, const std::string &row, const s
     if (*found == 0) {
       return "Row 0 is the baseline, whose name ties its rows to it";
     }
-    std::string problem = nameProblem(session, name);
+    std::string problem = rowNameProblem(session, name);
     if (problem.empty()) {
       session.data().setVariantName(*found, name);
       problem = session.rowName(*found) == name ? "" : "The row could not be renamed";

@@ -224,7 +224,15 @@ std::optional<std::vector<TableRow>> readRowJson(const ProjectSession &session, 
   try {
     return readLines(session, file, linesOf(Json::parse(text)), problems);
   } catch (const Json::exception &error) {
-    problems.push_back({file, 1, 1, std::string("the file is no table that export wrote: ") + error.what()});
+    // A syntax error tells where it is; of anything else it is enough to know that the file is another one.
+    const auto *syntax = dynamic_cast<const Json::parse_error *>(&error);
+    const auto offset =
+        static_cast<std::ptrdiff_t>(std::min(syntax == nullptr ? 0 : syntax->byte, text.size()));
+    const auto line = static_cast<std::size_t>(std::count(text.begin(), text.begin() + offset, '\n')) + 1;
+    problems.push_back({file, line, 1,
+                        syntax == nullptr
+                            ? "the file is no matrix that \"optstudy export --format json\" wrote"
+                            : "the file is no JSON from here on; a table of another ending is read as CSV"});
     return std::nullopt;
   }
 }

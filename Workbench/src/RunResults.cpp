@@ -104,11 +104,13 @@ public:
     const std::optional<double> value = extractor.source == ResultSource::WallTime && attribute.unit.empty()
                                             ? number
                                             : m_units.convert(number, extractor.unit, attribute.unit);
-    if (!value || !std::isfinite(*value) ||
-        (attribute.kind == AttributeKind::Integer && *value != std::trunc(*value))) {
+    if (!value || !std::isfinite(*value)) {
       return reasonText(FailureReason::NotANumber) + extractor.attribute + ": " +
-             EmbeddedHost::writeSolverNumber(number) +
-             (value ? " is no whole number" : " cannot be converted to the declared unit");
+             EmbeddedHost::writeSolverNumber(number) + " cannot be converted to the declared unit";
+    }
+    if (const std::string fault = wholeNumberFault(attribute, *value); !fault.empty()) {
+      return reasonText(FailureReason::NotANumber) + extractor.attribute + ": " +
+             EmbeddedHost::writeSolverNumber(number) + " is " + fault;
     }
     const bool isBelow = extractor.minimum && *value < *extractor.minimum;
     if (isBelow || (extractor.maximum && *value > *extractor.maximum)) {

@@ -58,9 +58,16 @@ int exitCodeOf(const RowCounts &counts, const SolveReport &report, const Allowed
 
 // Solves, prices, saves and prints.
 int solveAndPrint(ProjectSession &session, const SolverSetup &setup, SolveRunner &runner,
-                  const SolveOptions &options, const AllowedFailures &allowed, const Console &console) {
+                  const SolveOptions &options, const AllowedFailures &allowed, bool isFresh,
+                  const Console &console) {
   ProgressPrinter progress(console);
   const SolveReport report = runner.solve(options, progress);
+  // A row that was to be solved again, and was not, is what it was.
+  const bool hasFormerResults = isFresh && report.solved + report.failed < session.rowCount();
+  if (hasFormerResults) {
+    runner.assess();
+    session.clearUnreliableCosts();
+  }
   if (report.solved + report.failed == 0 && report.problem.empty() && !report.isInterrupted) {
     console.note("Nothing to solve: " + numbered(report.alreadySolved, "row is", "rows are") +
                  " solved already.");
@@ -80,9 +87,13 @@ int solveAndPrint(ProjectSession &session, const SolverSetup &setup, SolveRunner
     return ExitCode::kInternalError;
   }
   if (report.isInterrupted) {
-    console.error(counts.open + counts.failed > 0
-                      ? "Interrupted: run the same command again to go on; solved rows are kept."
-                      : "Interrupted when every row was solved.");
+    console.error(
+        hasFormerResults
+            ? "Interrupted: rows that were not solved again have the results that they had; with --fresh "
+              "the same command begins with every row again."
+        : counts.open + counts.failed > 0
+            ? "Interrupted: run the same command again to go on; solved rows are kept."
+            : "Interrupted when every row was solved.");
   } else {
     printWhatNext(counts, session, setup.study.path, console);
   }
@@ -96,6 +107,7 @@ std::string secondsText(double seconds) {
 // What would be run, and why; how long it would take, by the rows that are solved.
 int printPlan(const ProjectSession &session, const RunOptions &options, const Console &console) {
   std::size_t toRun = 0;
+  std::size_t toRead = 0;
   double known = 0.0;
   std::size_t solved = 0;
   const EmbeddedHost::Project::RunRecords records = session.project().runRecords();
@@ -107,10 +119,15 @@ int printPlan(const ProjectSession &session, const RunOptions &options, const Co
       ++solved;
     }
     if (state.status != RowStatus::Ok && state.status != RowStatus::Infeasible) {
+      const bool saysWhy = state.status == RowStatus::Stale && !state.reason.empty();
       console.out << "row " << row << ", " << inOneLine(session.rowName(row)) << ": "
-                  << inOneLine(statusText(state)) << "\n";
-      ++toRun;
+                  << inOneLine(statusText(state)) << (saysWhy ? ": " + state.reason : "") << "\n";
+      ++(state.status == RowStatus::Stale && state.reason == kReadAnew ? toRead : toRun);
     }
+  }
+  if (toRead > 0) {
+    console.out << numbered(toRead, "row", "rows") << " of " << session.rowCount()
+                << " would be read again from kept files, and run only where they are gone\n";
   }
   console.out << numbered(toRun, "row", "rows") << " of " << session.rowCount() << " would be run";
   if (solved > 0 && toRun > 0) {
@@ -184,6 +201,7 @@ int runSession(StudySession &session, const SolverSetup &setup, const RunOptions
       RowState state = session.rowState(row);
       if (state.status == RowStatus::Ok) {
         state.status = RowStatus::Stale;
+        state.reason = "--fresh";
         session.setRowState(row, std::move(state));
       }
     }
@@ -197,7 +215,7 @@ int runSession(StudySession &session, const SolverSetup &setup, const RunOptions
       return code;
     }
   }
-  return solveAndPrint(session, setup, runner, solving, options.allowedFailures, console);
+  return solveAndPrint(session, setup, runner, solving, options.allowedFailures, options.isFresh, console);
 }
 
 } // namespace
@@ -230,7 +248,7 @@ int runStudy(const RunOptions &options, const Console &console) {
       setup->study, projectFile, options.isTrial ? Keeping::Nothing : Keeping::Changes, failure);
   if (!session) {
     console.error(failure.problem);
-    return failure.isReadable ? ExitCode::kHeld : ExitCode::kInvalid;
+    return failure.isHeld ? ExitCode::kHeld : ExitCode::kInvalid;
   }
   if (!options.isTrial) {
     console.note((session->isNew() ? "Created " : "Opened ") + projectFile + " with " +

@@ -6,9 +6,11 @@
 #include "Workbench/UnitSystem.h"
 #include "Workbench/src/MatrixSummary.h"
 #include "Workbench/src/ProjectArgument.h"
+#include "Workbench/src/RunResults.h"
 #include "Workbench/src/SolverSetup.h"
 
 #include <ostream>
+#include <set>
 
 namespace Workbench {
 
@@ -37,7 +39,17 @@ bool isWanted(const RowState &state, const SolveRowsOptions &options) {
   return state.status != RowStatus::Ok;
 }
 
-// \return false when a row that is named is not there, or infeasible
+// Whether rows may fail for it, as their statuses begin.
+bool isKnownReason(std::string typed) {
+  for (char &character : typed) {
+    character = character == '-' ? ' ' : character;
+  }
+  static const std::set<std::string> kOthers{"start",        "formula", "lost",   "cancelled",
+                                             "not recorded", "output",  "success"};
+  return failureReason(typed + ": ").has_value() || kOthers.count(typed) != 0;
+}
+
+// \return false when a row that is named is not there, or infeasible, or there is no such reason
 bool chooseRows(const ProjectSession &session, const SolveRowsOptions &options, const Console &console,
                 std::vector<std::size_t> &rows) {
   for (const std::string &name : options.rows) {
@@ -50,6 +62,11 @@ bool chooseRows(const ProjectSession &session, const SolveRowsOptions &options, 
       return false;
     }
     rows.push_back(*row);
+  }
+  if (!options.reason.empty() && !isKnownReason(options.reason)) {
+    console.error("There is no reason \"" + options.reason +
+                  "\" that rows fail for; \"optstudy status\" counts those of this project.");
+    return false;
   }
   for (std::size_t row = 0; options.rows.empty() && row < session.rowCount(); ++row) {
     if (isWanted(session.rowState(row), options)) {
@@ -95,6 +112,12 @@ int solveIn(ProjectSession &session, const SolverSetup &setup, const SolveRowsOp
   if (!report.givenUp.empty()) {
     console.error("Stopped: " + report.givenUp);
   }
+  if (report.withoutFiles > 0) {
+    console.error(numbered(report.withoutFiles, "row has", "rows have") +
+                  " no kept files of a run with the present inputs, and nothing was read there: \"optstudy "
+                  "solve\" runs "
+                  "what has to be run.");
+  }
   console.out << RowCounts::of(MatrixTable::of(session)).toText() << "; now solved " << report.solved
               << ", failed " << report.failed << "\n";
   if (!report.problem.empty() || !saving.empty()) {
@@ -106,7 +129,8 @@ int solveIn(ProjectSession &session, const SolverSetup &setup, const SolveRowsOp
   if (!pricing.empty()) {
     return ExitCode::kInvalid;
   }
-  return report.failed == 0   ? ExitCode::kDone
+  const std::size_t failed = report.failed + report.withoutFiles;
+  return failed == 0          ? ExitCode::kDone
          : report.solved == 0 ? ExitCode::kNoRowSolved
                               : ExitCode::kSomeRowsFailed;
 }

@@ -26,6 +26,17 @@ bool isCurrent(const std::vector<std::string> &recorded, const std::vector<std::
          std::equal(keys.begin(), keys.begin() + kDecidingKeys, recorded.begin());
 }
 
+std::string whatChanged(const EmbeddedHost::RunRecord &record, const RunKeys &keys) {
+  const std::vector<std::string> now = keys.texts();
+  const auto isSame = [&](std::size_t index) {
+    return index >= record.keys.size() || record.keys[index] == now[index];
+  };
+  if (!isSame(2)) {
+    return "its inputs have changed";
+  }
+  return isSame(0) ? kReadAnew : "what the solver is given, or the solver, has changed";
+}
+
 // The attributes, apart from results, that formulas use.
 std::set<std::string> formulaInputsOf(const StudyFile &study) {
   std::set<std::string> names;
@@ -137,6 +148,9 @@ void SolveRunner::assessRow(std::size_t row, const EmbeddedHost::RunRecord &reco
   } else if (record.status == RunStatus::Ok) {
     const std::vector<std::string> keys = planned.keys.texts();
     state.status = isCurrent(record.keys, keys) ? RowStatus::Ok : RowStatus::Stale;
+    if (state.status == RowStatus::Stale) {
+      state.reason = whatChanged(record, planned.keys);
+    }
     if (state.status == RowStatus::Ok && record.keys != keys) {
       m_newKeys[row] = keys;
     }
@@ -254,7 +268,9 @@ void SolveRunner::solveBaselineFirst(std::vector<std::size_t> &rows, bool keepsG
   rows.erase(rows.begin());
   solveRows({0}, 1, observer, report);
   const RowState &state = m_session.rowState(0);
-  if (state.status != RowStatus::Ok && !report.isInterrupted && !keepsGoing && report.givenUp.empty()) {
+  const bool isLeftAlone = report.withoutFiles > 0;
+  if (state.status != RowStatus::Ok && !report.isInterrupted && !keepsGoing && report.givenUp.empty() &&
+      !isLeftAlone) {
     report.givenUp = "the baseline failed: " + state.reason;
   }
 }
@@ -297,6 +313,7 @@ std::unique_ptr<VersionRun> SolveRunner::begin(std::size_t row, SolveObserver &o
     return run;
   }
   if (m_onlyExtracts) {
+    ++report.withoutFiles;
     return nullptr;
   }
   run->prepare(std::move(planned));

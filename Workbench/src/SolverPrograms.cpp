@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <utility>
 
 namespace Workbench {
@@ -105,6 +106,31 @@ std::string whyNotFound(const std::string &program, const StudyFile &study) {
          (study.solver.installHint.empty() ? "" : "; " + study.solver.installHint);
 }
 
+// Why a script cannot be started, which the system says in words that mislead; "" for any other program.
+std::string problemOfScript(const std::string &program, const std::string &file) {
+  constexpr std::size_t kMost = 256;
+  std::ifstream in(file, std::ios::binary);
+  std::string begin(kMost, '\0');
+  in.read(begin.data(), static_cast<std::streamsize>(kMost));
+  begin.resize(static_cast<std::size_t>(in.gcount()));
+  const std::string line = begin.substr(0, begin.find('\n'));
+  if (line.compare(0, 2, "#!") != 0) {
+    const bool isText = !begin.empty() && begin.find('\0') == std::string::npos;
+    return isText ? program + " is a text without \"#!\" in its first line; write \"#!/bin/sh\" there" : "";
+  }
+  if (line.back() == '\r') {
+    return program + " has the line ends of Windows, which no interpreter takes: \"sed -i 's/\\r$//' " +
+           program + "\" mends that";
+  }
+  const std::size_t first = line.find_first_not_of(" \t", 2);
+  const std::string interpreter =
+      first == std::string::npos ? "" : line.substr(first, line.find_first_of(" \t", first) - first);
+  std::error_code ignored;
+  return fs::exists(interpreter, ignored)
+             ? ""
+             : program + " names an interpreter in its first line that is not there: \"" + interpreter + "\"";
+}
+
 } // namespace
 
 std::optional<SolverPrograms> SolverPrograms::find(const StudyFile &study, const std::string &searchPath,
@@ -117,6 +143,8 @@ std::optional<SolverPrograms> SolverPrograms::find(const StudyFile &study, const
     if (!file) {
       problems.push_back(
           {study.path, stage.place.line, stage.place.column, whyNotFound(stage.program(), study)});
+    } else if (std::string problem = problemOfScript(stage.program(), *file); !problem.empty()) {
+      problems.push_back({study.path, stage.place.line, stage.place.column, std::move(problem)});
     }
     files.push_back(file.value_or(""));
   }

@@ -15,7 +15,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <ostream>
+#include <set>
 #include <vector>
 
 namespace Workbench {
@@ -23,6 +25,7 @@ namespace Workbench {
 namespace {
 
 using EmbeddedHost::OpenMode;
+using EntityModel::ModelVersion;
 using EntityModel::ModelVersionStudyType;
 using MathematicalUtilities::OptimisationStrategy;
 using OptimizationTool::OptimizationManager;
@@ -101,6 +104,55 @@ std::string setCost(ProjectSession &session, const std::string &text, const Cons
   return "";
 }
 
+// Visits all versions that come after one.
+void forEachFollower(const ModelVersion &version, const std::function<void(ModelVersion &)> &visit) {
+  std::vector<const ModelVersion *> open{&version};
+  while (!open.empty()) {
+    const ModelVersion *current = open.back();
+    open.pop_back();
+    for (auto next = current->beginNext(); next != current->endNext(); ++next) {
+      visit(**next);
+      open.push_back(*next);
+    }
+  }
+}
+
+// The versions that come after the baseline and belong to nobody's rows now: those of a study that was ended, or of a
+// row that was removed without its version. The library deletes them with the rows.
+std::vector<std::string> otherFollowers(const ProjectSession &session) {
+  std::set<const ModelVersion *> rows;
+  for (std::size_t row = 1; row < session.rowCount(); ++row) {
+    rows.insert(session.rowVersion(row));
+  }
+  std::vector<std::string> others;
+  forEachFollower(*session.baseline(), [&](const ModelVersion &version) {
+    if (rows.count(&version) == 0 && version.getVersionType() != ModelVersion::VersionType::Copy) {
+      others.push_back(version.getLabel());
+    }
+  });
+  return others;
+}
+
+// Deletes the versions of the rows, and those that rows are alternates of when nothing comes after them any more.
+void endKeepingOthers(ProjectSession &session) {
+  std::vector<ModelVersion *> copies;
+  forEachFollower(*session.baseline(), [&copies](ModelVersion &version) {
+    if (version.getVersionType() == ModelVersion::VersionType::Copy) {
+      copies.push_back(&version);
+    }
+  });
+  for (std::size_t row = session.rowCount() - 1; row > 0; --row) {
+    session.data().removeVariant(row, true);
+  }
+  OptimizationManager::instance().endStudy(false);
+  for (ModelVersion *copy : copies) {
+    if (copy->beginNext() == copy->endNext()) {
+      const EmbeddedHost::CommandResult deleted = session.commands().deleteVersion(copy);
+      static_cast<void>(deleted); // what stays is an empty version without meaning
+    }
+  }
+}
+
 const char *targetWord(OptimisationStrategy target) {
   return target == OptimisationStrategy::Minimise   ? "minimise"
          : target == OptimisationStrategy::Maximise ? "maximise"
@@ -133,12 +185,21 @@ int beginCommand(const std::string &project, ModelVersionStudyType type, const C
 int endCommand(const std::string &project, bool deleteVersions, const Console &console) {
   return editStudy(project, console, [&](ProjectSession &session) -> std::string {
     const std::size_t rows = session.rowCount() - 1;
-    OptimizationManager::instance().endStudy(deleteVersions);
+    const std::vector<std::string> others =
+        deleteVersions ? otherFollowers(session) : std::vector<std::string>();
+    if (others.empty()) {
+      OptimizationManager::instance().endStudy(deleteVersions);
+    } else {
+      endKeepingOthers(session);
+    }
     if (session.hasStudy()) {
       return "The study could not be ended";
     }
     console.note("Ended the study; " + numbered(rows, "row was ", "rows were ") +
                  (deleteVersions ? "deleted" : "kept as versions of the project"));
+    for (const std::string &name : others) {
+      console.note("note: the version \"" + inOneLine(name) + "\" is no row of it and stays");
+    }
     return "";
   });
 }

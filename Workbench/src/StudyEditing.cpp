@@ -1,10 +1,12 @@
 #include "Workbench/src/StudyEditing.h"
 
 #include "EmbeddedHost/SolverNumber.h"
+#include "HostModel/ChangeManager.h"
 #include "OptimizationTool/OptimizationData.h"
 #include "OptimizationTool/OptimizationManager.h"
 #include "Workbench/ExitCode.h"
 #include "Workbench/NearestWord.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/ProjectArgument.h"
 #include "Workbench/src/StudyFileReader.h"
 
@@ -103,16 +105,29 @@ std::string unknownGroup(const ProjectSession &session, const std::string &name)
   return "There is no input or output \"" + name + "\"" + didYouMean(name, titles);
 }
 
-std::string limitsOf(const OptimizationTool::OptimizationGroupVariable &variable) {
+std::string rowNameProblem(const ProjectSession &session, const std::string &name) {
+  if (session.project().changeManager().findVersion(name, nullptr) != nullptr) {
+    return "The name \"" + name + "\" belongs to another version of the project";
+  }
+  if (!isUtf8Text(name)) {
+    return "A row's name has to be UTF-8 text";
+  }
+  return name.empty() ? "A row's name must not be empty" : "";
+}
+
+std::string limitsOf(const OptimizationTool::OptimizationGroupVariable &variable, const std::string &unit) {
   std::string text;
-  const auto add = [&text](const char *what, const std::string &limit) {
+  const auto add = [&](const char *what, const std::string &limit, bool isDifference = false) {
     if (!limit.empty()) {
-      text.append(text.empty() ? "" : ", ").append(what).append(" ").append(limit);
+      text.append(text.empty() ? "" : ", ")
+          .append(what)
+          .append(" ")
+          .append(quantityIn(limit, unit, isDifference));
     }
   };
   add("minimum", variable.getMinimumValue());
   add("maximum", variable.getMaximumValue());
-  add("step", variable.getStepValue());
+  add("step", variable.getStepValue(), true);
   add("low bound", variable.getLowBound().value_or(""));
   add("high bound", variable.getHighBound().value_or(""));
   return text;

@@ -33,8 +33,13 @@ std::string unknownGroup(const ProjectSession &session, const std::string &name)
 // What people call a group: its name, or its first attribute's.
 std::string groupTitle(const ProjectSession &session, const GroupPlace &place);
 
+// Why no new row can have the name; "" when one can.
+std::string rowNameProblem(const ProjectSession &session, const std::string &name);
+
 // "minimum 1 mm, maximum 5 mm"; "" when it has no limits.
-std::string limitsOf(const OptimizationTool::OptimizationGroupVariable &variable);
+// \param unit  that they are shown in; "" for the one that they were given in
+std::string limitsOf(const OptimizationTool::OptimizationGroupVariable &variable,
+                     const std::string &unit = "");
 
 // Reads the study anew from the model, which is due after every change of groups: the matrix in memory keeps its cells
 // where they were.

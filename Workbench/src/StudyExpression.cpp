@@ -174,6 +174,18 @@ std::string StudyExpressions::infeasibility(const AttributeValues &inputs) const
   return Workbench::infeasibility(m_rule, inputs);
 }
 
+std::string wholeNumberFault(const StudyAttribute &attribute, double value) {
+  // Above it not every whole number is a double.
+  constexpr double kLargest = 9007199254740992.0;
+  if (attribute.kind != AttributeKind::Integer) {
+    return "";
+  }
+  return value != std::trunc(value) ? "no whole number"
+         : std::abs(value) > kLargest
+             ? "more than a whole number can be, " + EmbeddedHost::writeSolverNumber(kLargest)
+             : "";
+}
+
 std::string StudyExpressions::compute(const AttributeValues &values, std::vector<double> &results) const {
   std::map<std::string, double> computed;
   const AttributeValues withComputed = [&](const std::string &name) {
@@ -189,12 +201,13 @@ std::string StudyExpressions::compute(const AttributeValues &values, std::vector
     if (!value) {
       return "formula: " + formula.attribute + ": " + problem;
     }
-    const bool isWhole = attribute.kind != AttributeKind::Integer || *value == std::trunc(*value);
-    if (!std::isfinite(*value) || !isWhole) {
+    if (!std::isfinite(*value)) {
       return "not a number: " + formula.attribute + ": the formula gives " +
-             (std::isnan(*value)      ? "no number"
-              : std::isfinite(*value) ? EmbeddedHost::writeSolverNumber(*value) + ", no whole number"
-                                      : "infinity");
+             (std::isnan(*value) ? "no number" : "infinity");
+    }
+    if (const std::string fault = wholeNumberFault(attribute, *value); !fault.empty()) {
+      return "not a number: " + formula.attribute + ": the formula gives " +
+             EmbeddedHost::writeSolverNumber(*value) + ", " + fault;
     }
     const bool isBelow = formula.minimum && *value < *formula.minimum;
     if (isBelow || (formula.maximum && *value > *formula.maximum)) {

@@ -23,6 +23,13 @@ struct WrittenQuantity {
 // Takes a text such as "10 kohm" apart; empty when it is none.
 std::optional<WrittenQuantity> readQuantity(const std::string &text);
 
+// A text such as "10 kohm" in another unit of the same quantity, such as "10000 ohm"; as it is when it has that unit, no
+// number, or no such unit.
+std::string quantityIn(const std::string &text, const std::string &unit, bool isDifference);
+
+// Why no group can have the name: the columns of tables have some of their own. "" when one can.
+std::string groupTitleProblem(const std::string &name);
+
 // The text of an expression, which knows no other white space than blanks, of the same length.
 std::string onOneLine(std::string text);
 

@@ -1,3 +1,4 @@
+#include "EmbeddedHost/RoundingNoise.h"
 #include "EmbeddedHost/SolverNumber.h"
 #include "Workbench/NearestWord.h"
 #include "Workbench/src/StudyFileReader.h"
@@ -223,7 +224,10 @@ std::vector<StudyValue> StudyFileReader::stepsOf(const StudyNode &node, const St
   const auto last = static_cast<std::size_t>(std::floor(steps + 1e-9));
   for (std::size_t index = 0; index <= last; ++index) {
     StudyValue value;
-    value.number = std::min(*limits.minimum + static_cast<double>(index) * *limits.step, *limits.maximum);
+    const double distance = static_cast<double>(index) * *limits.step;
+    value.number = std::min(EmbeddedHost::withoutRoundingNoise(*limits.minimum + distance,
+                                                               std::max(std::abs(*limits.minimum), distance)),
+                            *limits.maximum);
     value.text = hostText(attribute, value);
     value.place = node.place();
     values.push_back(std::move(value));

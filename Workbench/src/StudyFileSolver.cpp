@@ -131,7 +131,13 @@ void StudyFileReader::readEnvironment(const StudyNode &node, StudySolver &solver
     if (entry.key.empty() || entry.key.find('=') != std::string::npos) {
       m_nodes.report(entry.keyNode, "\"" + entry.key + "\" cannot be the name of an environment variable");
     }
-    solver.environment[entry.key] = m_nodes.text(entry.value, "an environment variable").value_or("");
+    const std::string value = m_nodes.text(entry.value, "an environment variable").value_or("");
+    if (value.find("{{") != std::string::npos) {
+      m_nodes.report(
+          entry.value,
+          "an environment variable takes no placeholder; give the value in a file or as an argument");
+    }
+    solver.environment[entry.key] = value;
   }
 }
 

@@ -1,7 +1,9 @@
 #include "Workbench/NearestWord.h"
+#include "Workbench/src/PlainText.h"
 #include "Workbench/src/StudyFileReader.h"
 
 #include <algorithm>
+#include <array>
 
 namespace Workbench {
 
@@ -213,6 +215,16 @@ void StudyFileReader::readGroupLimits(const NodeReader::Map &map, const StudyAtt
   }
 }
 
+std::string groupTitleProblem(const std::string &name) {
+  constexpr std::array<const char *, 5> kColumns{"row", "name", "status", "reason", "cost"};
+  if (std::find(kColumns.begin(), kColumns.end(), name) != kColumns.end()) {
+    return "the name \"" + name + "\" is that of a column that every table has; give another name";
+  }
+  return !isUtf8Text(name) || name != inOneLine(name)
+             ? "the name of a group has to be UTF-8 text without control characters"
+             : "";
+}
+
 // Rows find an input by its name or by its first attribute, so that no name may mean two groups.
 void StudyFileReader::checkGroupNames(const StudyFile &file) {
   std::map<std::string, FilePlace> names;
@@ -225,6 +237,9 @@ void StudyFileReader::checkGroupNames(const StudyFile &file) {
     for (const StudyGroup &group : *groups) {
       if (group.name.empty() || group.name == group.macro()) {
         continue;
+      }
+      if (const std::string problem = groupTitleProblem(group.name); !problem.empty()) {
+        m_nodes.report(group.place, problem);
       }
       const auto [known, isNew] = names.emplace(group.name, group.place);
       if (!isNew) {

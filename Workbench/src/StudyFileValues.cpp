@@ -40,6 +40,18 @@ std::optional<WrittenQuantity> readQuantity(const std::string &text) {
   return quantity;
 }
 
+std::string quantityIn(const std::string &text, const std::string &unit, bool isDifference) {
+  const std::optional<WrittenQuantity> written = readQuantity(text);
+  if (!written || unit.empty() || written->unit == unit) {
+    return text;
+  }
+  const HostUnits units;
+  const std::optional<double> converted = isDifference
+                                              ? units.convertDifference(written->number, written->unit, unit)
+                                              : units.convert(written->number, written->unit, unit);
+  return converted ? EmbeddedHost::writeSolverNumber(*converted) + " " + unit : text;
+}
+
 // A number, or a number and a unit, converted to the attribute's declared unit.
 std::optional<double> StudyFileReader::readReal(const StudyNode &node, const StudyAttribute &attribute,
                                                 bool isDifference) {

@@ -6,9 +6,11 @@
 #include "OptimizationTool/OptimizationManager.h"
 #include "Workbench/ModelDeclaration.h"
 #include "Workbench/src/ModelChange.h"
+#include "Workbench/src/PlainText.h"
 
 #include <exception>
 #include <filesystem>
+#include <unistd.h>
 #include <utility>
 
 namespace Workbench {
@@ -16,6 +18,14 @@ namespace Workbench {
 namespace {
 
 using OptimizationTool::OptimizationManager;
+
+// Whether another program makes the project at this moment, or nobody may make one there.
+bool cannotBeMadeNow(const std::string &projectFile) {
+  const std::string folder = std::filesystem::path(projectFile).parent_path().string();
+  return EmbeddedHost::Project::isHeld(projectFile) ||
+         std::filesystem::exists(std::filesystem::symlink_status(projectFile)) ||
+         ::access(folder.empty() ? "." : folder.c_str(), W_OK) != 0;
+}
 
 } // namespace
 
@@ -46,6 +56,7 @@ std::unique_ptr<StudySession> StudySession::open(const StudyFile &study, const s
     failure.problem = exists ? session->continueExisting(change) : session->beginNew();
     if (failure.problem.empty() && keeping == Keeping::Changes) {
       failure.problem = exists ? session->save() : session->commands().saveAs(projectFile).problem;
+      failure.isHeld = !failure.problem.empty() && !exists && cannotBeMadeNow(projectFile);
     }
   } catch (const std::exception &error) {
     failure.problem = error.what();
@@ -107,7 +118,8 @@ std::string StudySession::continueExisting(const ModelChange &change) {
     return problem;
   }
   if (!hasStudy()) {
-    return "the project " + fileName() + " holds no study";
+    return "the project " + fileName() + " holds no study: \"optstudy begin " + shellWord(fileName()) +
+           "\" begins one, or move the project away and run again";
   }
   if (OptimizationManager::instance().getStudyType() != m_study.type) {
     return "the project " + fileName() +

@@ -191,7 +191,7 @@ void StudySession::applyLimits() {
       return number ? hostText(attribute, value) : std::string();
     };
     const OptimizationGroup group = data().getGroup(true, static_cast<int>(index));
-    const std::string before = limitsOf(group.getFrontVariable());
+    const std::string before = limitsOf(group.getFrontVariable(), attribute.unit);
     for (int number = 0; number < group.size(); ++number) {
       OptimizationGroupVariable variable = group.getVariable(number);
       variable.setMinimumValue(text(declared.minimum));

@@ -1,5 +1,6 @@
 #include "Workbench/UnitSystem.h"
 
+#include "EmbeddedHost/RoundingNoise.h"
 #include "EmbeddedHost/Units.h"
 
 #include <cmath>
@@ -15,7 +16,11 @@ std::optional<double> UnitSystem::convertDifference(double difference, const std
     return convert(difference, from, to); // exactly as a value, where there is no offset
   }
   const std::optional<double> one = convert(1.0, from, to);
-  return one ? std::optional<double>((*one - *zero) * difference) : std::nullopt;
+  if (!one) {
+    return std::nullopt;
+  }
+  const double scale = EmbeddedHost::withoutRoundingNoise(*one - *zero, *zero);
+  return EmbeddedHost::withoutRoundingNoise(scale * difference, scale * difference);
 }
 
 std::string UnitSystem::conversionHint(const std::string &first, const std::string &second) {
@@ -37,7 +42,7 @@ std::optional<double> HostUnits::convert(double value, const std::string &from, 
   if (source == nullptr || target == nullptr || !units.areConvertible(*source, *target)) {
     return std::nullopt;
   }
-  const double converted = units.convert(value, *source, *target);
+  const double converted = EmbeddedHost::convertReadably(value, *source, *target);
   return std::isfinite(converted) ? std::optional<double>(converted) : std::nullopt;
 }
 

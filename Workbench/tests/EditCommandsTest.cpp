@@ -330,5 +330,81 @@ TEST_F(EditCommandsTest, ProjectHeldByAnother_IsSaidSo) {
             std::string::npos);
 }
 
+TEST_F(EditCommandsTest, End_DeletingVersions_LeavesThoseOfAnEarlierStudy) {
+  EXPECT_EQ(endCommand(project(), false, m_text.console), ExitCode::kDone);
+  EXPECT_EQ(beginCommand(project(), EntityModel::ModelVersionStudyType::Parametric, m_text.console),
+            ExitCode::kDone);
+  EXPECT_EQ(addGroupCommand(project(), true, {"Box.x"}, "", m_text.console), ExitCode::kDone);
+  EXPECT_EQ(addRowCommand(project(), {{"Box.x", "7"}}, "seven", m_text.console), ExitCode::kDone);
+  m_text.takeMessages();
+  EXPECT_EQ(endCommand(project(), true, m_text.console), ExitCode::kDone);
+  EXPECT_EQ(m_text.takeMessages(), "Ended the study; 1 row was deleted\n"
+                                   "note: the version \"Parametric Copy of Base\" is no row of it and stays\n"
+                                   "note: the version \"two\" is no row of it and stays\n"
+                                   "note: the version \"Variant 2\" is no row of it and stays\n");
+  EXPECT_EQ(versionsCommand(project(), m_text.console), ExitCode::kDone);
+  const std::string versions = m_text.takeOut();
+  EXPECT_NE(versions.find("two"), std::string::npos) << versions;
+  EXPECT_EQ(versions.find("seven"), std::string::npos) << versions;
+}
+
+TEST_F(EditCommandsTest, Row_NamedLikeTheNumberOfAnother_IsNotGuessed) {
+  EXPECT_EQ(renameRowCommand(project(), "Variant 2", "1", m_text.console), ExitCode::kDone);
+  m_text.takeMessages();
+  EXPECT_EQ(removeRowsCommand(project(), {"1"}, false, m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages().find("\"1\" is the number of the row \"two\" and the name of row 2.\n"),
+            0U);
+  EXPECT_EQ(removeRowsCommand(project(), {"2"}, false, m_text.console), ExitCode::kDone);
+  EXPECT_EQ(csv(), "0,Base,ok,,1,10,10001,10,10011\n1,two,ok,,2,10,10002,20,10022\n");
+}
+
+TEST_F(EditCommandsTest, RemovedGroupThatTheCostNames_IsWarnedOf) {
+  EXPECT_EQ(removeGroupCommand(project(), false, "total", m_text.console), ExitCode::kDone);
+  EXPECT_EQ(m_text.takeMessages(),
+            "Removed the output \"total\"\n"
+            "warning: the cost names %Box.sum%: no row has a cost until \"optstudy cost\" "
+            "sets another one\n");
+  EXPECT_EQ(bestCommand(project(), OutputFormat::Table, m_text.console), ExitCode::kNoRowSolved);
+  EXPECT_EQ(m_text.takeMessages().find("No row has a cost, because it cannot be built: Undefined variable"),
+            0U);
+  EXPECT_EQ(statusCommand(project(), OutputFormat::Table, m_text.console), ExitCode::kDone);
+  EXPECT_NE(m_text.takeOut().find("        which cannot be built: Undefined variable"), std::string::npos);
+}
+
+TEST_F(EditCommandsTest, GroupName_ThatIsAColumnOfEveryTable_IsRefused) {
+  EXPECT_EQ(renameGroupCommand(project(), "width", "cost", m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(),
+            "the name \"cost\" is that of a column that every table has; give another name\n");
+  EXPECT_EQ(renameGroupCommand(project(), "width", "a\nb", m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(), "the name of a group has to be UTF-8 text without control characters\n");
+}
+
+TEST_F(EditCommandsTest, RowName_ThatIsNoText_IsRefused) {
+  EXPECT_EQ(addRowCommand(project(), {{"width", "7"}}, "bad\xff", m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(), "A row's name has to be UTF-8 text\n");
+}
+
+TEST_F(EditCommandsTest, Limits_ThatContradictThoseThatAreThere_AreRefused) {
+  TypedLimits minimum;
+  minimum.minimum = "20";
+  EXPECT_EQ(limitGroupCommand(project(), "width", minimum, m_text.console), ExitCode::kDone);
+  TypedLimits maximum;
+  maximum.maximum = "10";
+  m_text.takeMessages();
+  EXPECT_EQ(limitGroupCommand(project(), "width", maximum, m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(), "The maximum is below the minimum\n");
+  TypedLimits bounds;
+  bounds.lowBound = "8";
+  bounds.highBound = "7";
+  EXPECT_EQ(limitGroupCommand(project(), "width", bounds, m_text.console), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(), "The high bound is below the low bound\n");
+}
+
+TEST_F(EditCommandsTest, Status_AsCsv_IsRefused) {
+  EXPECT_EQ(statusCommand(project(), OutputFormat::Csv, m_text.console), ExitCode::kUsage);
+  EXPECT_EQ(m_text.takeMessages(),
+            "The status is no table: \"--format json\" is for programs, \"optstudy export\" writes CSV.\n");
+}
+
 } // namespace
 } // namespace Workbench

@@ -183,5 +183,47 @@ TEST_F(ExchangeCommandsTest, Doctor_NoProject_SaysHowToRestoreIt) {
   EXPECT_NE(m_text.takeOut().find("Restore it from a copy made by \"optstudy backup\"."), std::string::npos);
 }
 
+TEST_F(ExchangeCommandsTest, Export_OntoTheProject_IsRefused) {
+  m_text.console.confirm = [](const std::string &) {
+    return true;
+  };
+  EXPECT_EQ(exportCommand(project(), OutputFormat::Csv, project(), m_text.console), ExitCode::kUsage);
+  EXPECT_EQ(m_text.takeMessages(), project() + " is the project itself; give another name.\n");
+  EXPECT_EQ(exported(), m_asSolved);
+}
+
+TEST_F(ExchangeCommandsTest, Export_FileOfJson_IsJson) {
+  EXPECT_EQ(exportCommand(project(), OutputFormat::Table, m_box.file("out.json"), m_text.console),
+            ExitCode::kDone);
+  EXPECT_EQ(m_box.read("out.json"), exported(OutputFormat::Json));
+}
+
+TEST_F(ExchangeCommandsTest, Import_TwoRowsOfOneName_AddsNone) {
+  EXPECT_EQ(import("name,width\nn,30\nn,31\n"), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(), m_box.file("rows.csv") + ":3: there are two rows \"n\" in the table\n");
+  EXPECT_EQ(exported(), m_asSolved);
+}
+
+TEST_F(ExchangeCommandsTest, Import_NameOfAnotherVersion_AddsNone) {
+  EXPECT_EQ(import("name,width\nParametric Copy of Base,30\n"), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages(),
+            m_box.file("rows.csv") +
+                ":2: The name \"Parametric Copy of Base\" belongs to another version of the project\n");
+  EXPECT_EQ(exported(), m_asSolved);
+}
+
+TEST_F(ExchangeCommandsTest, Import_JsonThatIsNone_NamesTheLine) {
+  EXPECT_EQ(import("{\n  \"rows\": x\n}\n", "rows.json"), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages().find(
+                m_box.file("rows.json") +
+                ":2:1: the file is no JSON from here on; a table of another ending is read as CSV\n"),
+            0U);
+  EXPECT_EQ(import("{}", "rows.json"), ExitCode::kInvalid);
+  EXPECT_EQ(m_text.takeMessages().find(
+                m_box.file("rows.json") +
+                ":1:1: the file is no matrix that \"optstudy export --format json\" wrote\n"),
+            0U);
+}
+
 } // namespace
 } // namespace Workbench

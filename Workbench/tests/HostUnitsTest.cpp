@@ -36,5 +36,14 @@ TEST(HostUnitsTest, UnitsOfOtherThings_AreNotConverted) {
   EXPECT_FALSE(units.convertDifference(1.0, "m", "s").has_value());
 }
 
+TEST(HostUnitsTest, Value_IsThatWhichAPersonWouldWrite) {
+  const HostUnits units;
+  EXPECT_EQ(units.convert(3.0, "mm", "cm"), 0.3);
+  EXPECT_EQ(units.convert(0.3, "cm", "mm"), 3.0);
+  EXPECT_EQ(units.convert(300.1, "K", "degC"), 26.95);
+  EXPECT_EQ(units.convert(12.0, "mm", "m"), 0.012);
+  EXPECT_EQ(units.convertDifference(0.3, "cm", "mm"), 3.0);
+}
+
 } // namespace
 } // namespace Workbench

@@ -180,5 +180,28 @@ TEST_F(LookCommandsTest, DamagedProject_IsRefused) {
   EXPECT_NE(m_text.takeMessages(), "");
 }
 
+TEST_F(LookCommandsTest, Log_ControlCharacters_DoNotReachTheTerminal) {
+  m_box.edit("command: [./solve.sh]", "command: [./solve.sh, \"{{Box.note}}\"]");
+  m_box.edit("value: hello", "value: \"a\\e[31m\\nb\"");
+  solveAll();
+  EXPECT_EQ(logCommand(m_box.projectFile(), "0", m_text.console), ExitCode::kDone);
+  EXPECT_NE(m_text.takeOut().find("command:   ./solve.sh a?[31m?b\n"), std::string::npos);
+}
+
+TEST_F(LookCommandsTest, Best_WithoutACost_SaysSo) {
+  m_box.edit("  cost: \"%Box.sum% + %Box.product%\"\n", "");
+  solveAll();
+  EXPECT_EQ(bestCommand(m_box.projectFile(), OutputFormat::Table, m_text.console), ExitCode::kNoRowSolved);
+  EXPECT_EQ(m_text.takeMessages(), "The study has no cost: \"optstudy cost PROJECT TEXT\" sets one.\n");
+}
+
+TEST_F(LookCommandsTest, Best_CostThatIsNoNumberAnywhere_SaysSo) {
+  m_box.edit("\"%Box.sum% + %Box.product%\"", "\"sqrt(0.0 - %Box.sum%)\"");
+  solveAll();
+  EXPECT_EQ(bestCommand(m_box.projectFile(), OutputFormat::Table, m_text.console), ExitCode::kNoRowSolved);
+  EXPECT_EQ(m_text.takeMessages(),
+            "No row has a cost that is a number: \"optstudy show\" shows what they have.\n");
+}
+
 } // namespace
 } // namespace Workbench

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace Workbench {
 namespace {
 
@@ -134,6 +136,18 @@ TEST(MatrixSelectionTest, Columns_Unknown_ChangesNothing) {
   selection.columns = {"mass", "volume"};
   EXPECT_EQ(selection.apply(shown), "there is no column \"volume\"");
   EXPECT_EQ(numbers(shown), (Numbers{0, 1, 2, 3}));
+}
+
+TEST(MatrixSelectionTest, Sort_CostThatIsNoNumber_ComesLast) {
+  MatrixTable shown = table();
+  const double notANumber = std::nan("");
+  shown.rows = {row(0, "Base", RowStatus::Ok, "1", {}, 5.0), row(1, "a", RowStatus::Ok, "1", {}, notANumber),
+                row(2, "b", RowStatus::Ok, "1", {}, 4.0), row(3, "c", RowStatus::Ok, "1", {}, notANumber),
+                row(4, "d", RowStatus::Ok, "1", {}, 3.0)};
+  MatrixSelection selection;
+  selection.sort = "cost";
+  EXPECT_EQ(selection.apply(shown), "");
+  EXPECT_EQ(numbers(shown), (Numbers{4, 2, 0, 1, 3}));
 }
 
 } // namespace

@@ -34,5 +34,14 @@ TEST(PlainTextTest, ShellWord_WhatAShellWouldTakeApart_StandsInQuotes) {
   EXPECT_EQ(shellWord(""), "''");
 }
 
+TEST(PlainTextTest, IsUtf8Text_WellFormedWithoutNul) {
+  EXPECT_TRUE(isUtf8Text(""));
+  EXPECT_TRUE(isUtf8Text("a\xc3\xbc\xe2\x82\xac\xf0\x9f\x98\x80"));
+  EXPECT_FALSE(isUtf8Text("a\xff"));
+  EXPECT_FALSE(isUtf8Text("\xc3"));
+  EXPECT_FALSE(isUtf8Text("\xed\xa0\x80"));
+  EXPECT_FALSE(isUtf8Text(std::string("a\0b", 3)));
+}
+
 } // namespace
 } // namespace Workbench

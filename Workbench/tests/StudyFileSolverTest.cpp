@@ -254,5 +254,12 @@ TEST(StudyFileSolverTest, Mistakes_AreReportedWithTheirPlace) {
   }
 }
 
+TEST(StudyFileSolverTest, Environment_TakesNoPlaceholder) {
+  EXPECT_EQ(
+      problemsWith("  keep: outputs\n", "  keep: outputs\n  environment: {W: \"{{Beam.height}}\"}\n"),
+      "dir/s.yaml:16:20: an environment variable takes no placeholder; give the value in a file or as an "
+      "argument\n");
+}
+
 } // namespace
 } // namespace Workbench

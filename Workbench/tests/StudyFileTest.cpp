@@ -209,6 +209,16 @@ TEST(StudyFileTest, Variants_GridOverSteps_IncludesTheMaximumWithinRounding) {
   EXPECT_EQ(file.rows[3].values[1].number, 1.3);
 }
 
+TEST(StudyFileTest, Variants_GridOverSteps_HasTheNumbersThatSomebodyWouldWrite) {
+  const StudyFile file =
+      parsed(withVariants("    list: [{name: a, values: {Filter.C1: 1.3}}]\n"
+                          "    grid: {Filter.C1: {minimum: 1.1, maximum: 1.5, step: 0.1}}\n"));
+  ASSERT_EQ(file.rows.size(), 5U); // 1.3 is there already
+  EXPECT_EQ(file.rows[1].values[1].number, 1.1);
+  EXPECT_EQ(file.rows[2].values[1].number, 1.2);
+  EXPECT_EQ(file.rows[3].values[1].number, 1.4);
+}
+
 TEST(StudyFileTest, Variants_GridWithoutNumbers_UsesTheInputsOwn) {
   const StudyFile file = parsed(withVariants("    grid: {R: }\n"));
   EXPECT_EQ(file.rows.size(), 42U); // 1, 1.5, ... 22 kohm are 43; 10 kohm is the baseline

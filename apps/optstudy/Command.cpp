@@ -208,9 +208,11 @@ std::string CommandProgram::unknownWord(const std::vector<std::string> &words) c
       const auto found = std::find_if(commands.begin(), commands.end(),
                                       [&word](const CLI::App *known) { return known->get_name() == word; });
       if (found == commands.end()) {
-        std::string name = app == m_app.get() ? "" : app->get_name() + " ";
-        name += word;
-        return "There is no command \"" + name + "\"" + didYouMean(word, namesOf(commands));
+        const std::string family = app == m_app.get() ? "" : app->get_name() + " ";
+        const std::string nearest = Workbench::nearestWord(word, namesOf(commands));
+        std::string problem = "There is no command \"";
+        problem.append(family).append(word).append("\"");
+        return nearest.empty() ? problem : problem + ", did you mean \"" + family + nearest + "\"?";
       }
       app = *found;
     }

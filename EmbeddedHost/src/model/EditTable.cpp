@@ -19,16 +19,13 @@ std::size_t placeOf(const Slot *slot, std::size_t mask) {
 } // namespace
 
 std::size_t EditTable::find(const Slot *slot) const {
-  if (m_edits.size() <= kSearchedInPlace) {
+  if (m_index.empty()) {
     for (std::size_t position = 0; position < m_edits.size(); ++position) {
       if (m_edits[position].slot == slot) {
         return position;
       }
     }
     return kNone;
-  }
-  if (m_index.empty()) {
-    rebuildIndex();
   }
   const std::size_t mask = m_index.size() - 1;
   for (std::size_t place = placeOf(slot, mask); m_index[place].slot != nullptr; place = (place + 1) & mask) {
@@ -41,7 +38,7 @@ std::size_t EditTable::find(const Slot *slot) const {
 
 void EditTable::append(Slot *slot, Value value) {
   m_edits.push_back({slot, std::move(value)});
-  if (m_index.empty()) {
+  if (m_edits.size() <= kSearchedInPlace) {
     return;
   }
   if (m_edits.size() * 2 > m_index.size()) {
@@ -53,11 +50,14 @@ void EditTable::append(Slot *slot, Value value) {
 
 void EditTable::take(std::vector<Edit> &edits) {
   m_edits.assign(std::make_move_iterator(edits.begin()), std::make_move_iterator(edits.end()));
-  m_index.clear();
   edits.clear();
+  m_index.clear();
+  if (m_edits.size() > kSearchedInPlace) {
+    rebuildIndex();
+  }
 }
 
-void EditTable::rebuildIndex() const {
+void EditTable::rebuildIndex() {
   std::size_t size = 64;
   while (size < m_edits.size() * 3) {
     size *= 2;
@@ -68,7 +68,7 @@ void EditTable::rebuildIndex() const {
   }
 }
 
-void EditTable::enter(std::size_t position) const {
+void EditTable::enter(std::size_t position) {
   const std::size_t mask = m_index.size() - 1;
   std::size_t place = placeOf(m_edits[position].slot, mask);
   while (m_index[place].slot != nullptr) {

@@ -17,7 +17,7 @@ struct Edit {
 };
 
 /// The edits of one version, one per slot, found in constant time. Few edits are searched in place, more have an
-/// index from the first search on, so that many small versions stay small.
+/// index, so that many small versions stay small.
 class EditTable {
 public:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
@@ -30,7 +30,7 @@ public:
   std::size_t find(const Slot *slot) const;
   /// Appends the edit of a slot that has none yet.
   void append(Slot *slot, Value value);
-  /// Holds these edits from now on, one per slot, in no more room than they need, and leaves \p edits empty.
+  /// Takes over edits, one per slot, in no more room than they need, and leaves none in \p edits.
   void take(std::vector<Edit> &edits);
   void reserve(std::size_t count) { m_edits.reserve(count); }
 
@@ -41,13 +41,12 @@ private:
     std::size_t position = 0;
   };
 
-  void rebuildIndex() const;
-  void enter(std::size_t position) const;
+  void rebuildIndex();
+  void enter(std::size_t position);
 
   std::vector<Edit> m_edits;
-  // Open addressing; a free place has no slot. A power of two; empty until the first search among many edits, because
-  // most versions of a large project are only shown.
-  mutable std::vector<Place> m_index;
+  // Open addressing; a free place has no slot. A power of two, empty for few edits.
+  std::vector<Place> m_index;
 };
 
 } // namespace EmbeddedHost

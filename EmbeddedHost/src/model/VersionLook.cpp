@@ -4,11 +4,14 @@
 
 namespace EmbeddedHost {
 
-VersionLook::VersionLook(const Project &project) : m_project(project) {}
+VersionLook::VersionLook(const Project &project)
+    : m_project(project), m_before(project.parts().model.tree().shown()) {}
 
 VersionLook::~VersionLook() {
   VersionTree &tree = m_project.parts().model.tree();
-  tree.makeCurrent(tree.current());
+  if (m_before != nullptr) {
+    tree.look(*tree.own(m_before));
+  }
 }
 
 bool VersionLook::at(EntityModel::ModelVersion &version) {

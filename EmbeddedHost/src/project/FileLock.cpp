@@ -3,7 +3,8 @@
 #include "EmbeddedHost/SystemReason.h"
 
 #include <cerrno>
-#include <cstring>
+#include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -66,12 +67,17 @@ std::string holder(int descriptor) {
   return size <= 0 ? "another process" : std::string(text, static_cast<std::size_t>(size));
 }
 
-void nameHolder(int descriptor) {
+std::string thisHost() {
   char host[64] = {};
-  if (gethostname(host, sizeof host - 1) != 0) {
-    std::strcpy(host, "this machine");
-  }
-  const std::string text = "process " + std::to_string(getpid()) + " on " + host;
+  return gethostname(host, sizeof host - 1) == 0 ? host : "this machine";
+}
+
+std::string textOfHolder(long process) {
+  return "process " + std::to_string(process) + " on " + thisHost();
+}
+
+void nameHolder(int descriptor) {
+  const std::string text = textOfHolder(getpid());
   // Only a courtesy to whoever is kept out; the lock holds without it.
   if (ftruncate(descriptor, 0) == 0) {
     [[maybe_unused]] const ssize_t written = pwrite(descriptor, text.data(), text.size(), 0);
@@ -85,6 +91,19 @@ FileLock::FileLock(int descriptor, std::string path) : m_descriptor(descriptor),
 FileLock::~FileLock() {
   unlink(m_path.c_str());
   close(m_descriptor);
+}
+
+bool FileLock::isHeld(const std::string &file) {
+  const int descriptor = open((file + ".lock").c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (descriptor < 0) {
+    return errno != ENOENT;
+  }
+  const std::string named = holder(descriptor);
+  close(descriptor);
+  constexpr std::size_t kNumberAt = 8; // behind "process "
+  const long process = named.size() > kNumberAt ? std::atol(named.c_str() + kNumberAt) : 0;
+  const bool isOurs = process > 0 && named == textOfHolder(process);
+  return !isOurs || kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH;
 }
 
 std::unique_ptr<FileLock> FileLock::acquire(const std::string &file, std::string &problem) {

@@ -13,6 +13,9 @@ public:
   /// \return null with one sentence in \p problem, which names the holder where another one has the lock, and says so
   ///         where the file can be opened for reading all the same; never waits
   static std::unique_ptr<FileLock> acquire(const std::string &file, std::string &problem);
+  /// Whether somebody who has the lock may be at it still: false when there is no lock file, and when the process of this
+  /// machine that it names has ended. Touches nothing.
+  static bool isHeld(const std::string &file);
   FileLock(const FileLock &) = delete;
   FileLock &operator=(const FileLock &) = delete;
   ~FileLock();

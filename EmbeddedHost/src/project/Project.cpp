@@ -1,5 +1,6 @@
 #include "EmbeddedHost/Project.h"
 
+#include "EmbeddedHost/src/project/FileLock.h"
 #include "EmbeddedHost/src/project/ProjectParts.h"
 
 #include <utility>
@@ -40,6 +41,10 @@ ProjectData::ProjectStoreService *Project::getProjectStore() {
 }
 FileSystem::DirectoryService *Project::getDirectories() {
   return &m_parts->stores;
+}
+
+bool Project::isHeld(const std::string &file) {
+  return FileLock::isHeld(file);
 }
 
 const ModelSchema &Project::schema() const {

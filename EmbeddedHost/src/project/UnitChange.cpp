@@ -38,7 +38,7 @@ void convertChangedUnits(const ModelSchema &saved, Model &model) {
       const auto *real = std::get_if<RealValue>(&edit.value);
       const Unit *unit = edit.slot->member->display;
       if (changed.count(edit.slot) != 0 && real != nullptr && real->unit != nullptr && real->unit != unit) {
-        const double value = UnitSystem::process().convert(real->number, *real->unit, *unit);
+        const double value = convertReadably(real->number, *real->unit, *unit);
         converted.push_back({edit.slot, RealValue{value, unit}});
       }
     }

@@ -24,7 +24,23 @@ std::size_t skipBlanks(std::string_view line, std::size_t at) {
   return at;
 }
 
-// What follows the separator behind `at`, to the next blank, comma or semicolon; empty when no separator is there.
+bool isDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
+// Where a value ends: at a blank, and at a comma or semicolon after which something else begins. Between two digits they
+// belong to the number, of another locale or with its thousands apart, which is refused later: half of it would be a
+// wrong number.
+std::size_t endOfValue(std::string_view line, std::size_t begin, const std::string &separators) {
+  std::size_t end = line.find_first_of(" \t,;", begin);
+  while (end != std::string_view::npos && !isBlank(line[end]) && end > begin && isDigit(line[end - 1]) &&
+         end + 1 < line.size() && isDigit(line[end + 1]) && separators.find(line[end]) == std::string::npos) {
+    end = line.find_first_of(" \t,;", end + 1);
+  }
+  return end;
+}
+
+// What follows the separator behind `at`; empty when no separator is there.
 std::optional<std::string> valueBehind(std::string_view line, std::size_t at, const std::string &separators) {
   const std::size_t behindBlanks = skipBlanks(line, at);
   const bool isSeparator = behindBlanks < line.size() && !isBlank(line[behindBlanks]) &&
@@ -34,7 +50,7 @@ std::optional<std::string> valueBehind(std::string_view line, std::size_t at, co
     return std::nullopt;
   }
   const std::size_t begin = isSeparator ? skipBlanks(line, behindBlanks + 1) : behindBlanks;
-  const std::size_t end = line.find_first_of(" \t,;", begin);
+  const std::size_t end = endOfValue(line, begin, separators);
   return std::string(
       line.substr(std::min(begin, line.size()), end == std::string_view::npos ? end : end - begin));
 }

@@ -102,4 +102,46 @@ TEST_F(CheckCommandTest, TemplateWithoutAPlaceholder_IsAnError) {
       << result.messages;
 }
 
+TEST_F(CheckCommandTest, RowThatDiffersInNoFile_IsShownByItsInputs) {
+  m_folder.write("box.study.yaml", "version: 1\nmodel: {Box: {x: 7 mm, y: {result: true}}}\n"
+                                   "formulas: {Box.y: \"%Box.x% * 2.0\"}\n"
+                                   "study:\n  inputs: [Box.x]\n  outputs: [Box.y]\n"
+                                   "  variants: {grid: {Box.x: [8 mm]}}\n");
+  const CommandResult result = check();
+  EXPECT_EQ(result.exitCode, 0) << result.messages;
+  EXPECT_NE(result.output.find("Row 1, Variant 1, differs from the baseline in\n  Box.x: 7 mm -> 8 mm\n"),
+            std::string::npos)
+      << result.output;
+}
+
+TEST_F(CheckCommandTest, ScriptThatCannotBeStarted_SaysWhatIsWrongWithIt) {
+  write("key: y");
+  m_folder.writeProgram("solve.sh", "#!/bin/sh\r\necho y = 1\r\n");
+  EXPECT_EQ(check().messages,
+            "box.study.yaml:5:12: ./solve.sh has the line ends of Windows, which no interpreter "
+            "takes: \"sed -i 's/\\r$//' ./solve.sh\" mends that\n");
+  m_folder.writeProgram("solve.sh", "#! /no/such/shell -e\necho y = 1\n");
+  EXPECT_EQ(check().messages,
+            "box.study.yaml:5:12: ./solve.sh names an interpreter in its first line that is not "
+            "there: \"/no/such/shell\"\n");
+  m_folder.writeProgram("solve.sh", "echo y = 1\n");
+  const CommandResult result = check();
+  EXPECT_EQ(result.messages,
+            "box.study.yaml:5:12: ./solve.sh is a text without \"#!\" in its first line; write "
+            "\"#!/bin/sh\" there\n");
+  EXPECT_EQ(result.exitCode, 3);
+}
+
+TEST_F(CheckCommandTest, ValueAtItsLimitInAnotherUnit_IsWithinIt) {
+  m_folder.write("box.study.yaml",
+                 "version: 1\n"
+                 "model: {Box: {x: {value: 2 mm, maximum: 0.3 cm, unit: cm}, y: {result: true}}}\n"
+                 "formulas: {Box.y: \"%Box.x% * 2.0\"}\n"
+                 "study:\n  inputs: [Box.x]\n  outputs: [Box.y]\n"
+                 "  variants: {grid: {Box.x: [3 mm]}}\n");
+  const CommandResult result = check();
+  EXPECT_EQ(result.exitCode, 0) << result.messages;
+  EXPECT_NE(result.output.find("  Box.x: 0.2 cm -> 0.3 cm\n"), std::string::npos) << result.output;
+}
+
 } // namespace

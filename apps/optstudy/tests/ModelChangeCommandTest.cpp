@@ -93,4 +93,17 @@ TEST_F(ModelChangeCommandTest, Run_AttributeThatIsGone_IsRefusedWithWhatToDo) {
   EXPECT_TRUE(m_folder.read("beam.optstudy") == before);
 }
 
+TEST_F(ModelChangeCommandTest, Run_OtherUnit_ChangesNoLimitAndNoValue) {
+  const std::string input = "{attribute: Beam.width, minimum: 10 mm, maximum: 200 mm, step: 3 mm}";
+  write("width: {value: 3 mm, minimum: 3 mm, maximum: 200 mm}", "", input);
+  ASSERT_EQ(run().exitCode, 0);
+  write("width: {value: 0.3 cm, minimum: 0.3 cm, maximum: 20 cm, unit: cm}", "", input);
+  const CommandResult result = run("-v");
+  EXPECT_EQ(result.exitCode, 0) << result.messages;
+  EXPECT_NE(result.messages.find("the unit of Beam.width is now \"cm\", it was \"mm\""), std::string::npos)
+      << result.messages;
+  EXPECT_EQ(result.messages.find("it had"), std::string::npos) << result.messages;
+  EXPECT_EQ(result.messages.find("baseline:"), std::string::npos) << result.messages;
+}
+
 } // namespace

@@ -444,4 +444,79 @@ TEST_F(RunCommandTest, Version_IsPrinted) {
   EXPECT_EQ(result.output, "optstudy " OPTSTUDY_VERSION "\n");
 }
 
+TEST_F(RunCommandTest, WholeNumberThatIsTooLarge_FailsItsRowAndNoOther) {
+  m_folder.write("box.study.yaml",
+                 "version: 1\nmodel:\n  Box: {x: 1, sum: {kind: integer, result: true}}\n"
+                 "solver:\n  command: [sh, -c, 'if [ $0 = 2 ]; then echo n=1e20; else echo n=$0; fi', "
+                 "\"{{Box.x}}\"]\n  results: {Box.sum: {key: n}}\n"
+                 "study:\n  inputs: [Box.x]\n  outputs: [Box.sum]\n"
+                 "  variants: {grid: {Box.x: [2, 3]}}\n");
+  const CommandResult result = run();
+  EXPECT_EQ(result.exitCode, 4) << result.messages;
+  EXPECT_NE(result.output.find("failed: not a number: Box.sum: 1e+20 is more than a whole number can "
+                               "be, 9007199254740992\n"),
+            std::string::npos)
+      << result.output;
+  EXPECT_NE(result.output.find("3 rows: 2 ok, 1 failed."), std::string::npos) << result.output;
+}
+
+TEST_F(RunCommandTest, FreshRunThatStops_LeavesTheOtherRowsWhatTheyWere) {
+  ASSERT_EQ(run().exitCode, 0);
+  writeSolver("if [ -e \"$STARTED.broken\" ]; then exit 9; fi");
+  ASSERT_EQ(run().exitCode, 0);
+  m_folder.write("started.broken", "");
+  const CommandResult result = run({"--fresh", "--yes"});
+  EXPECT_EQ(result.exitCode, 4) << result.messages;
+  EXPECT_NE(result.output.find("4 rows: 3 ok, 1 failed."), std::string::npos) << result.output;
+  const CommandResult shown = runCommand(m_folder, {"status", "box.study.yaml"});
+  EXPECT_NE(shown.output.find("4 rows: 3 ok, 1 failed\n"), std::string::npos) << shown.output;
+}
+
+TEST_F(RunCommandTest, DryRun_SaysWhatHasChanged) {
+  ASSERT_EQ(run().exitCode, 0);
+  writeSolver("true");
+  EXPECT_NE(
+      run({"--dry-run"})
+          .output.find("row 1, Variant 1: stale: what the solver is given, or the solver, has changed\n"),
+      std::string::npos);
+  ASSERT_EQ(run().exitCode, 0);
+  const std::string study = m_folder.read("box.study.yaml");
+  const std::size_t at = study.find("'^product = (.*)$'");
+  ASSERT_NE(at, std::string::npos);
+  m_folder.write("box.study.yaml", std::string(study).replace(at, 18, "'product = (.*)'"));
+  const std::string plan = run({"--dry-run"}).output;
+  EXPECT_NE(plan.find("4 rows of 4 would be read again from kept files, and run only where they are gone\n"
+                      "0 rows of 4 would be run\n"),
+            std::string::npos)
+      << plan;
+}
+
+TEST_F(RunCommandTest, ExtractWithoutKeptFiles_SaysSo) {
+  m_folder.write("box.study.yaml",
+                 "version: 1\nmodel: {Box: {x: 1, sum: {result: true}}}\n"
+                 "solver:\n  command: [echo, n=1]\n  keep: failed\n  results: {Box.sum: {key: n}}\n"
+                 "study:\n  inputs: [Box.x]\n  outputs: [Box.sum]\n"
+                 "  variants: {grid: {Box.x: [2]}}\n");
+  ASSERT_EQ(run().exitCode, 0);
+  const CommandResult result = runCommand(m_folder, {"extract", "box.study.yaml"});
+  EXPECT_EQ(result.exitCode, 5) << result.messages;
+  EXPECT_NE(
+      result.messages.find("2 rows have no kept files of a run with the present inputs, and nothing was read "
+                           "there: \"optstudy solve\" runs what has to be run.\n"),
+      std::string::npos)
+      << result.messages;
+  EXPECT_NE(result.output.find("2 rows: 2 ok; now solved 0, failed 0\n"), std::string::npos) << result.output;
+}
+
+TEST_F(RunCommandTest, FailedRowsOfAReasonThatThereIsNot_AreNotLookedFor) {
+  ASSERT_EQ(run().exitCode, 0);
+  const CommandResult result = runCommand(m_folder, {"solve", "box.study.yaml", "--failed=tired"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.messages.find(
+                "There is no reason \"tired\" that rows fail for; \"optstudy status\" counts those of "
+                "this project.\n"),
+            std::string::npos)
+      << result.messages;
+}
+
 } // namespace

@@ -218,4 +218,23 @@ TEST_F(RunRecordsTest, BegunRun_IsOnTheDiskBeforeItsSolverStarts) {
   EXPECT_EQ(inOrder(without).begun, 0);
 }
 
+TEST_F(RunRecordsTest, AfterAKill_WhoeverLooksSeesTheRowAsLost) {
+  writeSolver("if [ $x = 3 ]; then sleep 60; fi");
+  killWhileSolving("1", 3);
+  const CommandResult shown = runCommand(m_folder, {"show", "box.optstudy"});
+  EXPECT_NE(shown.output.find("failed: lost: the program ended while it ran"), std::string::npos)
+      << shown.output;
+  EXPECT_EQ(shown.output.find("running"), std::string::npos) << shown.output;
+}
+
+TEST_F(RunRecordsTest, WhileASolverRuns_WhoeverLooksSeesTheRowAsRunning) {
+  writeSolver("if [ $x = 3 ]; then sleep 60; fi");
+  CommandRun command(m_folder, {"run", "box.study.yaml", "-j", "1"}, environment());
+  ASSERT_TRUE(waitForLines(m_folder.path() / "started", 3));
+  const CommandResult shown = runCommand(m_folder, {"show", "box.optstudy"});
+  EXPECT_NE(shown.output.find("running"), std::string::npos) << shown.output;
+  command.sendSignal(SIGTERM);
+  EXPECT_EQ(command.wait().exitCode, 143);
+}
+
 } // namespace

@@ -71,7 +71,7 @@ TEST_F(WordCommandsTest, CommandThatIsUnknown_ComesWithTheNearestOne) {
   EXPECT_EQ(result.messages, "There is no command \"shwo\", did you mean \"show\"?\n"
                              "Run with --help for more information.\n");
   EXPECT_EQ(command({"group", "renme", "p.optstudy"}).messages,
-            "There is no command \"group renme\", did you mean \"rename\"?\n"
+            "There is no command \"group renme\", did you mean \"group rename\"?\n"
             "Run with --help for more information.\n");
   EXPECT_EQ(command({"banana"}).messages,
             "There is no command \"banana\"\nRun with --help for more information.\n");

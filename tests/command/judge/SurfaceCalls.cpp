@@ -13,6 +13,7 @@ const Calls kSolving{
     {{"run", "box.study.yaml", "--dry-run"}, 0, "5 rows of 5 would be run"},
     {{"show", "box.study.yaml"}, 3, "There is no project box.optstudy yet"},
     {{"run", "box.study.yaml", "-q", "-j", "1"}, 0, "5 rows: 5 ok. Kept in box.optstudy"},
+    {{"--version"}, 0, "optstudy "},
     {{"run", "box.study.yaml", "--quiet", "--jobs", "3"}, 0, "5 rows: 5 ok. Kept in box.optstudy"},
     {{"run", "box.study.yaml", "-v", "--keep-going"}, 0, "Nothing to solve: 5 rows are solved already."},
     {{"run", "box.study.yaml", "--verbose", "--log-file", "messages.log"}, 0, "Nothing to solve"},
