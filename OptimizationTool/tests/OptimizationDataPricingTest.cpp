@@ -30,7 +30,16 @@ public:
     m_number = number;
     m_action = std::move(action);
   }
+  // Before the call of that number to anything else.
+  void runBeforeOfModel(int number, std::function<void()> action) {
+    forget();
+    m_numberOfModel = number;
+    m_action = std::move(action);
+  }
+  bool hasRun() const { return m_action == nullptr; }
   void forget() {
+    m_numberOfModel = 0;
+    m_number = 0;
     m_ofModel = 0;
     m_ofCopies.clear();
   }
@@ -44,7 +53,10 @@ public:
 protected:
   Verdict intercept(const HostCall &call) override {
     if (!call.isDetached) {
-      ++m_ofModel;
+      if (++m_ofModel == m_numberOfModel && m_action) {
+        const std::function<void()> action = std::exchange(m_action, nullptr);
+        action();
+      }
       return Verdict::Proceed;
     }
     if (++m_ofCopies[call.operation.name] == m_number && m_operation == call.operation.name && m_action) {
@@ -56,6 +68,7 @@ protected:
 
 private:
   int m_ofModel = 0;
+  int m_numberOfModel = 0;
   std::map<std::string, int> m_ofCopies;
   std::string m_operation;
   int m_number = 0;
@@ -168,6 +181,21 @@ TEST_F(OptimizationDataPricingTest, RecalculateCosts_CostFunctionSetMeanwhile_It
   for (std::size_t row = 0; row < 40; ++row) {
     EXPECT_EQ(data().getVariantCost(row), 1000.0 * (static_cast<double>(row) + 1.0));
   }
+}
+
+// Before any row is read: while the groups and the cost function are.
+TEST_F(OptimizationDataPricingTest, RecalculateCosts_CostFunctionSetWhileTheStudyIsRead_ItsCostsStay) {
+  beginWithManyRows(10);
+  int calls = 0;
+  for (bool hasRun = true; hasRun; ++calls) {
+    data().setCostFunction("%FanB.Ratio%");
+    host().runBeforeOfModel(calls + 1, [this] { data().setCostFunction("1000.0 * %FanB.Ratio%"); });
+    data().recalculateCosts();
+    hasRun = host().hasRun();
+    host().forget();
+    EXPECT_EQ(data().getVariantCost(9), hasRun ? 10000.0 : 10.0) << calls;
+  }
+  EXPECT_GT(calls, 2);
 }
 
 TEST_F(OptimizationDataPricingTest, RecalculateCosts_CostFunctionRemovedMeanwhile_NoRowIsPriced) {
