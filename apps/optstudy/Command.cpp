@@ -212,7 +212,10 @@ std::string CommandProgram::unknownWord(const std::vector<std::string> &words) c
         const std::string nearest = Workbench::nearestWord(word, namesOf(commands));
         std::string problem = "There is no command \"";
         problem.append(family).append(word).append("\"");
-        return nearest.empty() ? problem : problem + ", did you mean \"" + family + nearest + "\"?";
+        if (!nearest.empty()) {
+          problem.append(", did you mean \"").append(family).append(nearest).append("\"?");
+        }
+        return problem;
       }
       app = *found;
     }
