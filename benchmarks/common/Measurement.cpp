@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cmath>
 #include <ctime>
+#include <memory>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 
 namespace Benchmarking {
@@ -83,6 +85,20 @@ std::vector<double> measureOneByOne(const std::vector<TimedWay> &ways, std::size
     }
   }
   return mediansOf(std::move(seconds));
+}
+
+void touchMemory() {
+  constexpr std::size_t kMost = std::size_t{4} << 30U;
+  constexpr std::size_t kPiece = std::size_t{64} << 20U;
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t free = static_cast<std::size_t>(sysconf(_SC_AVPHYS_PAGES)) * page;
+  std::vector<std::unique_ptr<char[]>> pieces;
+  for (std::size_t touched = 0; touched < std::min(kMost, free / 2); touched += kPiece) {
+    pieces.emplace_back(new char[kPiece]);
+    for (std::size_t offset = 0; offset < kPiece; offset += page) {
+      static_cast<volatile char *>(pieces.back().get())[offset] = 1;
+    }
+  }
 }
 
 double median(std::vector<double> values) {

@@ -1,5 +1,6 @@
 #include "benchmarks/common/CommandLine.h"
 #include "benchmarks/common/Core.h"
+#include "benchmarks/common/Measurement.h"
 #include "benchmarks/common/Program.h"
 #include "benchmarks/host/Benchmarks.h"
 #include "benchmarks/host/ScratchFolder.h"
@@ -58,6 +59,7 @@ void measure(const Choice &choice, const std::string &parent, char **arguments) 
   if (choice.quick) {
     std::cout << "A QUICK RUN: too few repetitions to judge by\n";
   }
+  touchMemory();
   measureTables(kTables, choice, setting, "All bars");
 }
 

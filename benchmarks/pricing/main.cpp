@@ -1,4 +1,5 @@
 #include "benchmarks/common/Core.h"
+#include "benchmarks/common/Measurement.h"
 #include "benchmarks/common/Program.h"
 #include "benchmarks/pricing/Benchmarks.h"
 
@@ -47,6 +48,7 @@ void measure(const Choice &choice, const std::string &expressions, char **argume
   if (choice.quick) {
     std::cout << "A QUICK RUN: too few repetitions and rows to judge by\n";
   }
+  touchMemory();
   measureTables(kTables, choice, setting, "All bars and goals");
 }
 

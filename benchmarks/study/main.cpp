@@ -1,5 +1,6 @@
 #include "benchmarks/common/CommandLine.h"
 #include "benchmarks/common/Core.h"
+#include "benchmarks/common/Measurement.h"
 #include "benchmarks/common/Program.h"
 #include "benchmarks/study/Benchmarks.h"
 
@@ -48,6 +49,7 @@ void measure(const Choice &choice, char **arguments) {
   if (choice.quick) {
     std::cout << "A QUICK RUN: too few repetitions to judge by\n";
   }
+  touchMemory();
   measureTables(kTables, choice, setting, "All bars");
 }
 
