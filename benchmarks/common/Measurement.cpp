@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cmath>
 #include <ctime>
+#include <malloc.h>
 #include <memory>
 #include <system_error>
 #include <unistd.h>
@@ -87,7 +88,9 @@ std::vector<double> measureOneByOne(const std::vector<TimedWay> &ways, std::size
   return mediansOf(std::move(seconds));
 }
 
-void touchMemory() {
+void keepMemory() {
+  mallopt(M_MMAP_MAX, 0);
+  mallopt(M_TRIM_THRESHOLD, -1);
   constexpr std::size_t kMost = std::size_t{4} << 30U;
   constexpr std::size_t kPiece = std::size_t{64} << 20U;
   const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));

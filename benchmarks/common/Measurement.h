@@ -23,10 +23,10 @@ double processorSeconds();
 /// Seconds by the clock on the wall, in which waiting for a disk counts.
 double wallSeconds();
 
-/// Touches as much memory as any measurement needs, and gives it back. A virtual machine gets its memory from its host
-/// when it is first touched, page by page, which takes ten times as long as touching it ever after: whatever measured
-/// with new memory first would seem to grow faster than its data.
-void touchMemory();
+/// Has the process get as much memory as any measurement needs, and keep it. Else large data would pay for pages that the
+/// system hands out and clears anew each time, and small data would not: what measures that seems to grow faster than
+/// its data, and so does what it is compared with.
+void keepMemory();
 
 /// Does one thing the given number of times.
 using Way = std::function<void(std::size_t times)>;

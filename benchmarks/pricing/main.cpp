@@ -48,7 +48,7 @@ void measure(const Choice &choice, const std::string &expressions, char **argume
   if (choice.quick) {
     std::cout << "A QUICK RUN: too few repetitions and rows to judge by\n";
   }
-  touchMemory();
+  keepMemory();
   measureTables(kTables, choice, setting, "All bars and goals");
 }
 

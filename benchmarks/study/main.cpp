@@ -49,7 +49,7 @@ void measure(const Choice &choice, char **arguments) {
   if (choice.quick) {
     std::cout << "A QUICK RUN: too few repetitions to judge by\n";
   }
-  touchMemory();
+  keepMemory();
   measureTables(kTables, choice, setting, "All bars");
 }
 
