@@ -9,6 +9,7 @@
 #include "Workbench/src/RunResults.h"
 #include "Workbench/src/SolverSetup.h"
 
+#include <algorithm>
 #include <ostream>
 #include <set>
 
@@ -17,11 +18,9 @@ namespace Workbench {
 namespace {
 
 // What a reason begins with is written with blanks in records and may be typed with hyphens.
-bool isReason(const std::string &reason, std::string typed) {
-  for (char &character : typed) {
-    character = character == '-' ? ' ' : character;
-  }
-  return typed.empty() || reasonClass(reason) == typed;
+std::string asRecorded(std::string typed) {
+  std::replace(typed.begin(), typed.end(), '-', ' ');
+  return typed;
 }
 
 bool isWanted(const RowState &state, const SolveRowsOptions &options) {
@@ -33,20 +32,18 @@ bool isWanted(const RowState &state, const SolveRowsOptions &options) {
   }
   if (options.onlyFailed || options.onlyStale) {
     return (options.onlyFailed && state.status == RowStatus::Failed &&
-            isReason(state.reason, options.reason)) ||
+            (options.reason.empty() || reasonClass(state.reason) == asRecorded(options.reason))) ||
            (options.onlyStale && state.status == RowStatus::Stale);
   }
   return state.status != RowStatus::Ok;
 }
 
 // Whether rows may fail for it, as their statuses begin.
-bool isKnownReason(std::string typed) {
-  for (char &character : typed) {
-    character = character == '-' ? ' ' : character;
-  }
-  static const std::set<std::string> kOthers{"start",        "formula", "lost",   "cancelled",
-                                             "not recorded", "output",  "success"};
-  return failureReason(typed + ": ").has_value() || kOthers.count(typed) != 0;
+bool isKnownReason(const std::string &typed) {
+  static const std::set<std::string> kOthers{"start",     "formula",      "lost",
+                                             "cancelled", "not recorded", "output"};
+  const std::string reason = asRecorded(typed);
+  return failureReason(reason + ": ").has_value() || kOthers.count(reason) != 0;
 }
 
 // \return false when a row that is named is not there, or infeasible, or there is no such reason

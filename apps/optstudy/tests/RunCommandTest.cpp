@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 namespace {
 
@@ -517,6 +520,30 @@ TEST_F(RunCommandTest, FailedRowsOfAReasonThatThereIsNot_AreNotLookedFor) {
                 "this project.\n"),
             std::string::npos)
       << result.messages;
+}
+
+TEST_F(RunCommandTest, FormulasAlone_AreNoProblemToTheDoctor) {
+  m_folder.write("box.study.yaml", "version: 1\nmodel: {Box: {x: 1, sum: {result: true}}}\n"
+                                   "formulas: {Box.sum: \"%Box.x% * 2.0\"}\n"
+                                   "study:\n  inputs: [Box.x]\n  outputs: [Box.sum]\n"
+                                   "  variants: {grid: {Box.x: [2]}}\n");
+  ASSERT_EQ(run().exitCode, 0);
+  const CommandResult result = runCommand(m_folder, {"doctor", "box.study.yaml"});
+  EXPECT_EQ(result.exitCode, 0) << result.output;
+  EXPECT_NE(result.output.find("the files of 2 solved rows are not there, as the study file has it\n"),
+            std::string::npos)
+      << result.output;
+}
+
+TEST_F(RunCommandTest, ProjectThatAnotherProcessIsAboutToMake_EndsWithSix) {
+  m_folder.write("box.optstudy.lock", "process 1 on another machine");
+  const int lock = open(m_folder.file("box.optstudy.lock").c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_GE(lock, 0);
+  ASSERT_EQ(flock(lock, LOCK_EX | LOCK_NB), 0);
+  const CommandResult result = run();
+  close(lock);
+  EXPECT_EQ(result.exitCode, 6) << result.messages;
+  EXPECT_NE(result.messages.find("process 1 on another machine"), std::string::npos) << result.messages;
 }
 
 } // namespace
